@@ -1,0 +1,13 @@
+#include "platform/lock.h"
+
+#include <cstdint>
+#include <windows.h>
+
+namespace Zorvan::platform {
+
+void *currentThreadId()
+{
+    return reinterpret_cast<void *>(static_cast<std::uintptr_t>(GetCurrentThreadId()));
+}
+
+} // namespace Zorvan::platform
