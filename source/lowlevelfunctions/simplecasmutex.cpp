@@ -1,0 +1,46 @@
+#include "lowlevelfunctions/simplecasmutex.h"
+
+#include "platform/clock.h"
+#include "platform/processor.h"
+
+namespace Zorvan {
+
+namespace {
+
+// About as long as one log line takes to write: a second writer then gets the lock without sleeping.
+constexpr int triesBeforeSleep = 64;
+constexpr int yieldsBeforeSleep = 8;
+
+} // namespace
+
+simpleCASMutex::simpleCASMutex()
+    : m_word(std::make_unique<std::atomic<std::uint32_t>>(0))
+{
+}
+
+simpleCASMutex::~simpleCASMutex() = default;
+
+bool simpleCASMutex::exchange(std::uint32_t from, std::uint32_t to, std::memory_order order)
+{
+    return m_word->compare_exchange_strong(from, to, order, std::memory_order_relaxed);
+}
+
+void simpleCASMutex::lock()
+{
+    for (int attempt = 0; !exchange(0, 1, std::memory_order_acquire); ++attempt) {
+        if (attempt < triesBeforeSleep)
+            platform::spinPause();
+        else if (attempt < triesBeforeSleep + yieldsBeforeSleep)
+            std::this_thread::yield();
+        else
+            platform::sleepFor(std::chrono::milliseconds(1));
+    }
+}
+
+void simpleCASMutex::unlock()
+{
+    while (!exchange(1, 0, std::memory_order_release))
+        platform::sleepFor(std::chrono::milliseconds(1));
+}
+
+} // namespace Zorvan
