@@ -1,0 +1,73 @@
+// Members of the facade that keep what the host hands in.
+
+#include "debugserverqueue/guibridge.h"
+#include "host/hosthandlers.h"
+
+namespace Zorvan {
+
+void Debug::setUtilityCallbackHandler(IUtilityInterface *handler)
+{
+    host::setUtilityHandler(handler);
+}
+
+void Debug::setThreadCallbackHandler(IThraedInterface *handler)
+{
+    host::setThreadHandler(handler);
+}
+
+void Debug::installKeyHandler(IKeyInterface *handler)
+{
+    host::setKeyHandler(handler);
+}
+
+IKeyInterface *Debug::getKeyboardHandler()
+{
+    return host::keyHandler();
+}
+
+void Debug::installMessageBoxHandler(IMessageBoxInterface *handler)
+{
+    host::setMessageBoxHandler(handler);
+}
+
+void Debug::setWindowTitle(const QString &)
+{
+    // Dropped: there is no window without a road into the GUI thread.
+}
+
+void Debug::setGuiThreadId(void *id)
+{
+    guibridge::setGuiThreadId(id);
+}
+
+void Debug::setExtWindow(DebugWindow *window)
+{
+    guibridge::setExternalWindow(window);
+}
+
+void Debug::showDebugWindow()
+{
+    // Dropped: there is no window without a road into the GUI thread.
+}
+
+void Debug::eventLoopStarted()
+{
+    guibridge::setEventLoopRunning(true);
+}
+
+void Debug::eventLoopFinished()
+{
+    guibridge::setEventLoopRunning(false);
+}
+
+bool Debug::eventLoopRunning()
+{
+    return guibridge::eventLoopRunning();
+}
+
+bool Debug::usingQt()
+{
+    return guibridge::ensureQueue();
+}
+
+} // namespace Zorvan

@@ -1,0 +1,96 @@
+// Start and stop of the library.
+
+#include "debug/displayflags.h"
+#include "debug/moduletable.h"
+#include "debug/outputfile.h"
+#include "debug/outputgate.h"
+#include "debug/qtmessages.h"
+#include "debug/receivers.h"
+#include "debug/settings.h"
+#include "debugserverqueue/guibridge.h"
+#include "host/hosthandlers.h"
+#include "host/silentmessagebox.h"
+
+#include <QCoreApplication>
+
+namespace Zorvan {
+
+namespace {
+
+const char *defaultLevels[] = {"<+ CRITICAL +>: ", "<       Error>: ", "<     Warning>: ", "<        Info>: ",
+                               "<   Time Meas>: "};
+const char *defaultClasses[] = {"<debug message>, ", "<  time meas  >, "};
+
+std::atomic<int> s_users{0};
+
+/// Runs when the application object is destroyed: the library ends with it, whatever the balance of calls.
+void endWithApplication()
+{
+    s_users.store(1);
+    Debug::exitDebug();
+    guibridge::applicationGone();
+}
+
+void describeAllModules()
+{
+    for (moduleId id = 0; id < moduleTable().capacity(); ++id) {
+        Debug::setMessageLevelDescriptions(id, static_cast<int>(std::size(defaultLevels)), defaultLevels);
+        Debug::setMessageClassDescriptions(id, static_cast<int>(std::size(defaultClasses)), defaultClasses);
+    }
+}
+
+void silenceBoxesIfForbidden()
+{
+    IUtilityInterface *const handler = host::utilityHandler();
+    if (handler && !handler->messageBoxesAllowed())
+        host::setMessageBoxHandler(silentMessageBox::instance());
+}
+
+/// Takes back one user. True if it was the last one; surplus calls change nothing.
+bool wasLastUser()
+{
+    int users = s_users.load();
+    while (users > 0 && !s_users.compare_exchange_weak(users, users - 1)) { }
+    return users == 1;
+}
+
+void releaseTables()
+{
+    ModuleTable &table = moduleTable();
+    const platform::Locked guard(table.lock());
+    table.release();
+    outputFile().beginRun();
+    displayflags::reset();
+    resetOutputGate();
+}
+
+} // namespace
+
+void Debug::initDebug()
+{
+    if (s_users.fetch_add(1) != 0) {
+        usingQt(); // connects the library with an application that has come up meanwhile
+        return;
+    }
+    qAddPostRoutine(endWithApplication);
+    silenceBoxesIfForbidden();
+    checkConfig();
+    describeAllModules();
+    installQtMessageHandler();
+    readStartSettings();
+    setupOutputEnabled(true);
+    usingQt();
+}
+
+void Debug::exitDebug()
+{
+    if (hasGlobalReceiver() || !wasLastUser())
+        return;
+    qRemovePostRoutine(endWithApplication);
+    releaseTables();
+    exitDebugDaemon();
+    if (!guibridge::qtApplicationRuns())
+        guibridge::applicationGone();
+}
+
+} // namespace Zorvan

@@ -1,0 +1,180 @@
+// Members of the facade about modules, their names and their descriptions.
+
+#include "debug/moduletable.h"
+#include "debug/normalizedname.h"
+#include "debug/outputgate.h"
+#include "debug/receivers.h"
+#include "debugserverqueue/guibridge.h"
+#include "host/hosthandlers.h"
+
+#include <cstring>
+
+namespace Zorvan {
+
+namespace {
+
+const char *newCopy(const std::string &text)
+{
+    auto *const copy = new char[text.size() + 1];
+    std::memcpy(copy, text.c_str(), text.size() + 1);
+    return copy;
+}
+
+void requestRedrawUnlessReceived()
+{
+    if (!hasGlobalReceiver())
+        guibridge::requestRedraw();
+}
+
+/// Stores the descriptions, then applies the module's saved setting of that kind, all under the lock so that other
+/// threads see both or neither.
+void describe(moduleId id, const Descriptions *Module::*kind, const Descriptions *descriptions,
+              const char *keySuffix, const char *defaultSpec, void (*apply)(moduleId, const QString &))
+{
+    {
+        ModuleTable &table = moduleTable();
+        const platform::Locked guard(table.lock());
+        Module *const module = table.find(id);
+        if (module == nullptr)
+            return;
+        module->*kind = descriptions;
+        const QString key = fromLatin1(module->description) + QLatin1String(keySuffix);
+        apply(id, host::readString(key, QLatin1String(defaultSpec)));
+    }
+    requestRedrawUnlessReceived();
+}
+
+const char **descriptionsOf(moduleId id, const Descriptions *Module::*kind, int *count)
+{
+    ModuleTable &table = moduleTable();
+    const platform::Locked guard(table.lock());
+    const Module *const module = table.find(id);
+    const Descriptions *const descriptions = module ? module->*kind : Descriptions::none();
+    if (count)
+        *count = descriptions->count();
+    return descriptions->array();
+}
+
+void resetForClient()
+{
+    ModuleTable &table = moduleTable();
+    const platform::Locked guard(table.lock());
+    table.build();
+    guibridge::setClientMode();
+}
+
+} // namespace
+
+void Debug::checkConfig()
+{
+    ModuleTable &table = moduleTable();
+    const platform::Locked guard(table.lock());
+    table.build();
+}
+
+moduleId Debug::createModule(const char *name, const char *description)
+{
+    ModuleTable &table = moduleTable();
+    const platform::Locked guard(table.lock());
+    if (name && std::strcmp(name, "DebugServerClient") == 0)
+        resetForClient();
+    const moduleId id = table.add(); // -1 without a table: any other id would alias a module made after initDebug()
+    setModuleDescription(id, name, description);
+    return id;
+}
+
+void Debug::setModuleDescription(moduleId id, const char *name, const char *description)
+{
+    ModuleTable &table = moduleTable();
+    {
+        const platform::Locked guard(table.lock());
+        Module *const module = table.find(id);
+        if (module == nullptr)
+            return;
+        module->name = name ? name : "";
+        module->description = description ? description : "";
+        module->prefix.clear();
+        table.rebuildPrefixes();
+    }
+    guibridge::requestRebuild();
+}
+
+QString Debug::getNormalizedName(const QString &name)
+{
+    return normalizedName(name);
+}
+
+QString Debug::getModuleName(moduleId id)
+{
+    ModuleTable &table = moduleTable();
+    const platform::Locked guard(table.lock());
+    const Module *const module = table.find(id);
+    return module ? normalizedName(fromLatin1(module->prefix)) : QString();
+}
+
+const char **Debug::getModuleNames(int *count, int **ids)
+{
+    ModuleTable &table = moduleTable();
+    const platform::Locked guard(table.lock());
+    if (!table.exists()) {
+        if (count)
+            *count = 0;
+        if (ids)
+            *ids = nullptr;
+        return nullptr;
+    }
+    const int number = table.count();
+    auto *const names = new const char *[static_cast<std::size_t>(number)];
+    if (ids)
+        *ids = new int[static_cast<std::size_t>(number)];
+    for (moduleId id = 0; id < number; ++id) {
+        names[id] = newCopy(table.find(id)->prefix);
+        if (ids)
+            (*ids)[id] = id;
+    }
+    if (count)
+        *count = number;
+    return names;
+}
+
+void Debug::releaseModuleNames(const char **names, int count, int *ids)
+{
+    for (int i = 0; names && i < count; ++i)
+        delete[] names[i];
+    delete[] names;
+    delete[] ids;
+}
+
+void Debug::setMessageClassDescriptions(moduleId module, int count, const char **descriptions)
+{
+    describe(module, &Module::classes, Descriptions::intern(count, descriptions), "DebugClasses", "all",
+             enableClasses);
+}
+
+void Debug::setMessageClassDescriptions(moduleId module, int count, char **descriptions)
+{
+    setMessageClassDescriptions(module, count, const_cast<const char **>(descriptions));
+}
+
+const char **Debug::getMessageClassDescriptions(moduleId module, int *count)
+{
+    return descriptionsOf(module, &Module::classes, count);
+}
+
+void Debug::setMessageLevelDescriptions(moduleId module, int count, const char **descriptions)
+{
+    describe(module, &Module::levels, Descriptions::intern(count, descriptions), "DebugLevel", "critical",
+             enableLevel);
+}
+
+void Debug::setMessageLevelDescriptions(moduleId module, int count, char **descriptions)
+{
+    setMessageLevelDescriptions(module, count, const_cast<const char **>(descriptions));
+}
+
+const char **Debug::getMessageLevelDescriptions(moduleId module, int *count)
+{
+    return descriptionsOf(module, &Module::levels, count);
+}
+
+} // namespace Zorvan

@@ -1,0 +1,48 @@
+#include "debug/outputfilter.h"
+
+#include <algorithm>
+
+namespace Zorvan {
+
+void OutputFilter::setPattern(const QString &pattern)
+{
+    m_expression.setPattern(pattern);
+    updateActive();
+}
+
+void OutputFilter::setEntries(const QString &entries)
+{
+    m_entryTexts = entries.isEmpty() ? QStringList() : entries.split(QLatin1Char(';'));
+    m_entries.clear();
+    for (const QString &entry : qAsConst(m_entryTexts)) {
+        // A missing part is empty, and an empty text occurs in every line.
+        m_entries.push_back({entry.section(QLatin1Char('|'), 0, 0), entry.section(QLatin1Char('|'), 1)});
+    }
+    updateActive();
+}
+
+bool OutputFilter::passes(const QString &line, bool moduleNameShown) const
+{
+    return passesPattern(line) && passesEntries(line, moduleNameShown);
+}
+
+/// A match at the very start of a line has never counted; existing filters rely on it.
+bool OutputFilter::passesPattern(const QString &line) const
+{
+    return m_expression.pattern().isEmpty() || m_expression.indexIn(line) > 0;
+}
+
+bool OutputFilter::passesEntries(const QString &line, bool moduleNameShown) const
+{
+    const auto fits = [&](const Entry &entry) {
+        return (!moduleNameShown || line.contains(entry.module)) && line.contains(entry.text);
+    };
+    return m_entries.empty() || std::any_of(m_entries.begin(), m_entries.end(), fits);
+}
+
+void OutputFilter::updateActive()
+{
+    m_active = !m_expression.pattern().isEmpty() || !m_entryTexts.isEmpty();
+}
+
+} // namespace Zorvan

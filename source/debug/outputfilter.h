@@ -1,0 +1,43 @@
+#pragma once
+
+#include <QRegExp>
+#include <QString>
+#include <QStringList>
+
+#include <vector>
+
+namespace Zorvan {
+
+/// Decides by the text of a finished line whether it is printed. Not for two threads at once: even matching changes
+/// the regular expression.
+class OutputFilter
+{
+public:
+    /// A regular expression; empty lets everything through.
+    void setPattern(const QString &pattern);
+    [[nodiscard]] QString pattern() const { return m_expression.pattern(); }
+    /// "module|text" entries joined by ';'; empty lets everything through.
+    void setEntries(const QString &entries);
+    [[nodiscard]] QString entries() const { return m_entryTexts.join(QLatin1Char(';')); }
+
+    [[nodiscard]] bool isActive() const { return m_active; }
+    /// Whether both filters let the line through. An entry's module counts only while module names are shown.
+    [[nodiscard]] bool passes(const QString &line, bool moduleNameShown) const;
+
+private:
+    struct Entry
+    {
+        QString module;
+        QString text;
+    };
+    [[nodiscard]] bool passesPattern(const QString &line) const;
+    [[nodiscard]] bool passesEntries(const QString &line, bool moduleNameShown) const;
+    void updateActive();
+
+    QRegExp m_expression;
+    QStringList m_entryTexts;
+    std::vector<Entry> m_entries;
+    bool m_active = false;
+};
+
+} // namespace Zorvan

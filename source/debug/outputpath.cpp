@@ -1,0 +1,280 @@
+// From one call of println() to its lines in the sinks.
+
+#include "debug/displayflags.h"
+#include "debug/lineheader.h"
+#include "debug/moduletable.h"
+#include "debug/normalizedname.h"
+#include "debug/outputfile.h"
+#include "debug/outputfilter.h"
+#include "debugserverqueue/guibridge.h"
+#include "host/hosthandlers.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <optional>
+
+namespace Zorvan {
+
+namespace {
+
+constexpr std::size_t receiverCapacity = 2048; // with the closing NUL
+constexpr std::size_t fileNameCapacity = 2048;
+constexpr int deepestCallback = 8;
+constexpr std::size_t largestSpareBuffer = 65536;
+
+/// What the output path keeps between lines. Guarded by the module table's lock.
+struct OutputPath
+{
+    OutputFilter filter;
+    std::string spareLine; ///< the buffer of the last line, so that most lines allocate nothing
+    int callbackDepth = 0; ///< host callbacks running inside each other
+};
+
+OutputPath &outputPath() ZORVAN_REQUIRES(moduleTable().lock())
+{
+    static auto *path = new OutputPath; // never destroyed: static objects of the host may print
+    return *path;
+}
+
+/// A line under construction. Lines that a callback prints meanwhile find no spare buffer and make their own.
+class LineBuffer
+{
+public:
+    explicit LineBuffer(OutputPath &path)
+        : m_path(path)
+        , bytes(std::move(path.spareLine))
+    {
+        bytes.clear();
+    }
+    ~LineBuffer()
+    {
+        if (bytes.capacity() <= largestSpareBuffer)
+            m_path.spareLine = std::move(bytes);
+    }
+    LineBuffer(const LineBuffer &) = delete;
+    LineBuffer &operator=(const LineBuffer &) = delete;
+
+private:
+    OutputPath &m_path;
+
+public:
+    std::string bytes; // Latin-1
+};
+
+/// Counts a host callback for its duration.
+class CallbackScope
+{
+public:
+    explicit CallbackScope(OutputPath &path)
+        : m_path(path)
+    {
+        ++m_path.callbackDepth;
+    }
+    ~CallbackScope() { --m_path.callbackDepth; }
+    CallbackScope(const CallbackScope &) = delete;
+    CallbackScope &operator=(const CallbackScope &) = delete;
+
+private:
+    OutputPath &m_path;
+};
+
+/// One byte for each UTF-16 unit, '?' for what Latin-1 does not have.
+void appendLatin1(std::string &bytes, QStringView text)
+{
+    const std::size_t start = bytes.size();
+    bytes.resize(start + static_cast<std::size_t>(text.size()));
+    std::transform(text.begin(), text.end(), bytes.begin() + static_cast<std::ptrdiff_t>(start),
+                   [](QChar c) { return c.unicode() < 256 ? static_cast<char>(c.unicode()) : '?'; });
+}
+
+/// There is no table: the text is the format of a message in the system log.
+void logText(QStringView text, const char *file, int line)
+{
+    std::string format;
+    appendLatin1(format, text);
+    format += '\n';
+    gyxLog(nullptr, file, line, format.c_str(), nullptr);
+}
+
+void callReceiver(OutputReceiver receiver, moduleId module, int cls, int level, const std::string &line)
+{
+    char text[receiverCapacity];
+    const std::size_t length = std::min(line.size(), receiverCapacity - 1);
+    std::memcpy(text, line.data(), length);
+    text[length] = '\0';
+    hookData data{module, level, cls, text};
+    receiver(&data);
+}
+
+void writeStandardOutput(std::string &line)
+{
+    line += '\n';
+    std::fwrite(line.data(), 1, line.size(), stdout);
+    std::fflush(stdout); // a crash must not lose the last lines
+    line.resize(line.size() - 1);
+}
+
+OutputReceiver receiverOf(moduleId id) ZORVAN_REQUIRES(moduleTable().lock())
+{
+    const Module *const module = moduleTable().find(id);
+    return module ? module->receiver : nullptr;
+}
+
+/// The sinks behind the filters: the file always; then the module's receiver, or the line tap and the standard
+/// output.
+void deliver(OutputPath &path, moduleId module, int cls, int level, std::string &line)
+    ZORVAN_REQUIRES(moduleTable().lock())
+{
+    const bool fileOn = displayflags::has(displayflags::word(), displayflags::fileOutput);
+    outputFile().append(line, fileOn ? OutputFile::Writing::On : OutputFile::Writing::Off);
+    if (path.callbackDepth >= deepestCallback)
+        return; // a callback that prints its own lines without end
+    const CallbackScope scope(path);
+    if (const OutputReceiver receiver = receiverOf(module)) {
+        callReceiver(receiver, module, cls, level, line);
+        return;
+    }
+    if (IUtilityInterface *const tap = host::utilityHandler())
+        tap->outputLine(fromLatin1(line));
+    if (!guibridge::ensureQueue())
+        writeStandardOutput(line);
+}
+
+/// Header, text, filters, sinks.
+void printLine(moduleId module, int cls, QStringView text, int level) ZORVAN_REQUIRES(moduleTable().lock())
+{
+    OutputPath &path = outputPath();
+    LineBuffer line(path);
+    const unsigned flags = displayflags::word();
+    appendLineHeader(line.bytes, module, cls, level, flags);
+    if (path.filter.isActive()) {
+        const QString whole = fromLatin1(line.bytes) + text.toString();
+        if (!path.filter.passes(whole, displayflags::has(flags, displayflags::moduleName)))
+            return;
+    }
+    appendLatin1(line.bytes, text);
+    deliver(path, module, cls, level, line.bytes);
+}
+
+/// Prints a message line by line. What it returns could not be printed: the library has stopped, perhaps in the middle
+/// of the message.
+std::optional<QStringView> printMessage(moduleId module, int cls, QStringView text, int level)
+{
+    ModuleTable &table = moduleTable();
+    const platform::Locked guard(table.lock()); // the lines of a message stay together
+    while (table.exists()) {
+        const qsizetype end = text.indexOf(u'\n');
+        if (end < 0) {
+            printLine(module, cls, text, level);
+            return std::nullopt;
+        }
+        printLine(module, cls, text.left(end), level);
+        text = text.mid(end + 1);
+        if (text.isEmpty())
+            return std::nullopt; // a line feed at the end begins no line
+    }
+    return text;
+}
+
+} // namespace
+
+void Debug::println(moduleId module, int cls, const QString &text, int level, int /*reserved*/, const char *file,
+                    int line)
+{
+    if (!moduleTable().exists()) {
+        logText(text, file, line);
+        return;
+    }
+    if (!isActive(module, level, cls))
+        return;
+    if (const std::optional<QStringView> rest = printMessage(module, cls, text, level))
+        logText(*rest, file, line);
+}
+
+void Debug::printOneLine(moduleId module, int cls, const QString &line, int level, int /*reserved*/,
+                         const char * /*file*/, int /*sourceLine*/)
+{
+    ModuleTable &table = moduleTable();
+    const platform::Locked guard(table.lock());
+    printLine(module, cls, line, level);
+}
+
+void Debug::printFormattedString(moduleId module, int cls, int level, const QString &text)
+{
+    ModuleTable &table = moduleTable();
+    const platform::Locked guard(table.lock());
+    OutputPath &path = outputPath();
+    const bool moduleNameShown = displayflags::has(displayflags::word(), displayflags::moduleName);
+    if (path.filter.isActive() && !path.filter.passes(text, moduleNameShown))
+        return;
+    LineBuffer line(path);
+    appendLatin1(line.bytes, text);
+    deliver(path, module, cls, level, line.bytes);
+}
+
+void Debug::clear()
+{
+    // Without a road into the GUI thread there is no window to clear.
+}
+
+void Debug::setOutputFilter(const QString &pattern)
+{
+    ModuleTable &table = moduleTable();
+    const platform::Locked guard(table.lock());
+    outputPath().filter.setPattern(pattern);
+}
+
+QString Debug::getOutputFilter()
+{
+    ModuleTable &table = moduleTable();
+    const platform::Locked guard(table.lock());
+    return outputPath().filter.pattern();
+}
+
+void Debug::setLevelFilter(const QString &entries)
+{
+    ModuleTable &table = moduleTable();
+    const platform::Locked guard(table.lock());
+    outputPath().filter.setEntries(entries);
+}
+
+QString Debug::getLevelFilter()
+{
+    ModuleTable &table = moduleTable();
+    const platform::Locked guard(table.lock());
+    return outputPath().filter.entries();
+}
+
+void Debug::setOutputFileName(const char *name)
+{
+    ModuleTable &table = moduleTable();
+    const platform::Locked guard(table.lock());
+    outputFile().setName(QString::fromLatin1(name));
+}
+
+const char *Debug::getOutputFileName()
+{
+    thread_local char buffer[fileNameCapacity];
+    ModuleTable &table = moduleTable();
+    const platform::Locked guard(table.lock());
+    const QByteArray name = outputFile().name().toLatin1().left(fileNameCapacity - 1);
+    std::memcpy(buffer, name.constData(), static_cast<std::size_t>(name.size()) + 1);
+    return buffer;
+}
+
+void Debug::setMaxOutputFileSize(qint64 bytes)
+{
+    ModuleTable &table = moduleTable();
+    const platform::Locked guard(table.lock());
+    outputFile().setMaximumSize(bytes);
+}
+
+qint64 Debug::getMaxOutputFileSize()
+{
+    ModuleTable &table = moduleTable();
+    const platform::Locked guard(table.lock());
+    return outputFile().maximumSize();
+}
+
+} // namespace Zorvan

@@ -1,0 +1,124 @@
+#include "debug/settings.h"
+
+#include "debug/displayflags.h"
+#include "debug/moduletable.h"
+#include "debug/normalizedname.h"
+#include "debug/outputfile.h"
+#include "debug/outputgate.h"
+#include "host/hosthandlers.h"
+#include "platform/folders.h"
+
+#include <QDir>
+
+namespace Zorvan {
+
+namespace {
+
+using displayflags::Flag;
+
+struct FlagSetting
+{
+    const char *key;
+    Flag flag;
+};
+
+/// Flags that a stored "on" switches on at the start; the module name is read before them and goes off otherwise.
+constexpr FlagSetting startFlags[] = {
+    {"DebugServerFileOutput", Flag::fileOutput},
+    {"DebugServerThrowAssert", Flag::throwAssertion},
+    {"DebugServerShowTimestamp", Flag::timeStamp},
+    {"DebugServerShowThreadID", Flag::threadId},
+    {"DebugServerConsoleOutput", Flag::consoleOutput},
+    {"DebugServerAllowClear", Flag::allowProgrammaticClear},
+};
+
+/// The words of settings strings, in their order.
+constexpr FlagSetting settingsWords[] = {
+    {"activateFileProtocol", Flag::fileOutput},
+    {"throwAssertion", Flag::throwAssertion},
+    {"displayTimeStamp", Flag::timeStamp},
+    {"displayThreadID", Flag::threadId},
+    {"displayModuleName", Flag::moduleName},
+    {"activateConsoleOutput", Flag::consoleOutput},
+    {"allowProgrammaticClear", Flag::allowProgrammaticClear},
+};
+constexpr QLatin1String disableOutputWord("disableOutput");
+
+bool isSwitchedOn(const char *key)
+{
+    return host::readString(QLatin1String(key), QStringLiteral("Off")).toLower().contains(QLatin1String("on"));
+}
+
+QString storedFileName()
+{
+    const QString name =
+        host::readString(QStringLiteral("DebugServerFile"), QStringLiteral("GYX_Debug_Output.log"));
+    if (!QDir::isRelativePath(name))
+        return name;
+    return QString::fromStdString(platform::programDataFolder()) + QLatin1Char('/') + name;
+}
+
+void storeIfChanged(const QString &key, const QString &defaultValue, const QString &current)
+{
+    if (host::readString(key, defaultValue) != current)
+        host::writeString(key, current);
+}
+
+} // namespace
+
+void readStartSettings()
+{
+    platform::makeProgramDataFolder();
+    outputFile().setName(storedFileName());
+    outputFile().setMaximumSize(host::readInteger(QStringLiteral("DebugServerFileSize"), -1));
+    displayflags::change(Flag::moduleName, isSwitchedOn("DebugServerShowModule"));
+    for (const FlagSetting &setting : startFlags) {
+        if (isSwitchedOn(setting.key))
+            displayflags::change(setting.flag, true);
+    }
+}
+
+void Debug::enableSettings(const QString &text)
+{
+    for (const FlagSetting &word : settingsWords)
+        displayflags::change(word.flag, text.contains(QLatin1String(word.key)));
+    setupOutputEnabled(!text.contains(disableOutputWord));
+}
+
+QString Debug::getEnabledSettings()
+{
+    const unsigned flags = displayflags::word();
+    QString text;
+    for (const FlagSetting &word : settingsWords) {
+        if (displayflags::has(flags, word.flag))
+            text += QLatin1String(word.key) + QLatin1Char(',');
+    }
+    if (!outputEnabled())
+        text += disableOutputWord + QLatin1Char(',');
+    return text;
+}
+
+void Debug::makeCurrentSettingsDefault(moduleId id)
+{
+    ModuleTable &table = moduleTable();
+    const ModuleSwitches *const switches = table.switches(id);
+    if (switches == nullptr || !switches->inUse.load(std::memory_order_relaxed))
+        return;
+    QString description;
+    {
+        const platform::Locked guard(table.lock());
+        if (const Module *const module = table.find(id))
+            description = fromLatin1(module->description);
+    }
+    const QString level = getEnabledMessageLevel(id);
+    const QString classes = getEnabledMessageClasses(id);
+    storeIfChanged(description + QLatin1String("DebugClasses"), QStringLiteral("all"), classes);
+    storeIfChanged(description + QLatin1String("DebugLevel"), QStringLiteral("critical"), level);
+}
+
+void Debug::makeDefault()
+{
+    // The settings of a debug window: there is none without a road into the GUI thread.
+}
+
+} // namespace Zorvan
