@@ -1,0 +1,187 @@
+// Start and end: how they are counted, what they keep, and the end of the application object.
+
+#include "support/maphost.h"
+#include "support/programdata.h"
+
+#include <zorvan/debug.h>
+
+#include <QCoreApplication>
+
+#include <array>
+#include <gtest/gtest.h>
+#include <optional>
+
+using Zorvan::Debug;
+using namespace Zorvan::test;
+
+namespace {
+
+constexpr int kernel = 2;
+
+void receive(Zorvan::hookData *) {}
+
+/// Level 4 of a module at critical: only without a table the answer is yes.
+bool isUp()
+{
+    return !Debug::isActive(kernel, 4, 0);
+}
+
+void start(int times = 1)
+{
+    for (int i = 0; i < times; ++i)
+        Debug::initDebug();
+}
+
+void stop(int times = 1)
+{
+    for (int i = 0; i < times; ++i)
+        Debug::exitDebug();
+}
+
+std::string printed(const char *text)
+{
+    ::testing::internal::CaptureStdout();
+    Debug::println(kernel, 0, QString::fromLatin1(text), 0, 0, "kernel.cpp", 42);
+    return ::testing::internal::GetCapturedStdout();
+}
+
+class LifeCycle : public ::testing::Test
+{
+protected:
+    void TearDown() override
+    {
+        Debug::setOutputReceiver(-1, nullptr);
+        stop(9);
+    }
+    void startApplication() { m_application.emplace(m_count, m_arguments.data()); }
+    void endApplication() { m_application.reset(); }
+
+    MapHost host;
+
+private:
+    int m_count = 1;
+    std::string m_name = "test";
+    std::array<char *, 2> m_arguments = {m_name.data(), nullptr};
+    std::optional<QCoreApplication> m_application;
+};
+
+TEST_F(LifeCycle, OutsideOfItTextsGoToTheSystemLogAlone)
+{
+    for (const std::string text : {"early", "late"}) {
+        EXPECT_EQ(printed(text.c_str()), "");
+        EXPECT_EQ(host.takeLines().size(), 0U);
+        EXPECT_NE(readFile(libraryFile("GYX-syslog-0.log")).find("kernel.cpp(42): " + text + '\n'),
+                  std::string::npos);
+        start();
+        EXPECT_EQ(printed("running"), "<debug message>, <+ CRITICAL +>: running\n");
+        EXPECT_EQ(host.takeLines().size(), 1U);
+        stop();
+    }
+    EXPECT_EQ(readFile(libraryFile("GYX-syslog-0.log")).find("running"), std::string::npos);
+}
+
+TEST_F(LifeCycle, OnlyTheFirstStartReadsTheSettings)
+{
+    start();
+    host.store("DebugServerShowThreadID", "On");
+    EXPECT_EQ(Debug::createModule("Made", "Made"), 27);
+    start();
+    EXPECT_EQ(host.reads("DebugServerFile"), 1);
+    EXPECT_EQ(host.reads("KernelDebugLevel"), 1);
+    EXPECT_EQ(Debug::getDisplayFlags(), 12);
+    EXPECT_EQ(Debug::createModule("Next", "Next"), 28);
+    stop();
+    EXPECT_TRUE(isUp());
+    stop();
+    EXPECT_FALSE(isUp());
+    stop(3); // surplus
+    start();
+    EXPECT_EQ(Debug::getDisplayFlags(), 12 + 512);
+    EXPECT_EQ(Debug::createModule("Again", "Again"), 27);
+}
+
+TEST_F(LifeCycle, AReceiverForAllModulesKeepsTheLibraryUp)
+{
+    Debug::setOutputReceiver(-1, &receive); // nobody is there to receive from
+    start(2);
+    stop(2);
+    EXPECT_FALSE(isUp());
+    start(2);
+    Debug::setOutputReceiver(-1, &receive);
+    stop(5);
+    Debug::setOutputReceiver(-1, nullptr);
+    stop();
+    EXPECT_TRUE(isUp()) << "the ends under the receiver do not even count";
+    Debug::setOutputReceiver(kernel, &receive); // one module does not matter
+    stop();
+    EXPECT_FALSE(isUp());
+    start();
+    EXPECT_NE(printed("text"), "") << "receivers go with the table";
+}
+
+TEST_F(LifeCycle, TheLibraryEndsWithTheApplication)
+{
+    for (const bool libraryFirst : {true, false}) { // two applications, one behind the other
+        if (libraryFirst)
+            start(2);
+        startApplication();
+        start(3);
+        EXPECT_NE(printed("in between"), "");
+        endApplication();
+        EXPECT_FALSE(isUp());
+        stop(); // the host's own call comes too late
+        start();
+        EXPECT_TRUE(isUp()) << "a library may live without an application";
+        stop();
+        EXPECT_FALSE(isUp());
+    }
+}
+
+TEST_F(LifeCycle, AnEndedLibraryIsLeftAloneByTheApplication)
+{
+    startApplication();
+    start();
+    stop();
+    endApplication();
+    start(2);
+    stop();
+    EXPECT_TRUE(isUp()) << "the count starts at zero";
+}
+
+TEST_F(LifeCycle, AReceiverForAllModulesOutlivesTheApplication)
+{
+    startApplication();
+    start();
+    Debug::setOutputReceiver(-1, &receive);
+    endApplication();
+    EXPECT_TRUE(isUp());
+    Debug::setOutputReceiver(-1, nullptr);
+    EXPECT_NE(printed("text"), "");
+    stop();
+    EXPECT_FALSE(isUp());
+}
+
+TEST_F(LifeCycle, CallsForAWindowAreHarmlessWithoutOne)
+{
+    Zorvan::IKeyInterface keys;
+    Debug::installKeyHandler(&keys);
+    for (const bool running : {false, true}) {
+        Debug::setWindowTitle(QStringLiteral("title"));
+        Debug::showDebugWindow();
+        Debug::setExtWindow(nullptr);
+        Debug::eventLoopStarted();
+        Debug::setDisplayFlags(-13);
+        Debug::clear();
+        Debug::setModuleDescription(kernel, "KLV-Kernel", "Kernel");
+        Debug::setClippingLevel(kernel, 0);
+        Debug::eventLoopFinished();
+        EXPECT_EQ(isUp(), running);
+        if (!running)
+            startApplication();
+        start();
+    }
+    EXPECT_EQ(Debug::getKeyboardHandler(), &keys);
+    Debug::installKeyHandler(nullptr);
+}
+
+} // namespace

@@ -1,0 +1,225 @@
+// Many threads at once: every line arrives whole, once, in its thread's order, whatever the others do meanwhile.
+
+#include "support/maphost.h"
+#include "support/programdata.h"
+
+#include <zorvan/debug.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <map>
+#include <thread>
+
+using Zorvan::Debug;
+using namespace Zorvan::test;
+using Lines = std::vector<std::string>;
+
+namespace {
+
+constexpr int printers = 8;
+constexpr int linesPerPrinter = 300;
+constexpr int kernel = 2;
+
+void receive(Zorvan::hookData *) { }
+
+/// Prints numbered two-line messages at level 0, which no switch of a class stops.
+void printNumbered(int printer, int module)
+{
+    for (int number = 0; number < linesPerPrinter; number += 2) {
+        Debug::println(module, 0,
+                       QStringLiteral("#%1:%2:first\n#%1:%3:second").arg(printer).arg(number).arg(number + 1), 0);
+    }
+}
+
+/// Runs the printers beside \a other, which is called again and again until they have finished.
+template<typename Other>
+void printBeside(Other other)
+{
+    std::atomic<int> running{printers};
+    std::vector<std::thread> threads;
+    for (int printer = 0; printer < printers; ++printer) {
+        threads.emplace_back([&running, printer] {
+            printNumbered(printer, printer);
+            --running;
+        });
+    }
+    while (running > 0)
+        other();
+    for (std::thread &thread : threads)
+        thread.join();
+}
+
+/// The numbers of each printer in the order of their lines; fails on a damaged line or a torn message.
+std::map<int, std::vector<int>> numbersIn(const Lines &lines)
+{
+    std::map<int, std::vector<int>> numbers;
+    std::string awaited;
+    for (const std::string &line : lines) {
+        const std::size_t mark = line.find('#');
+        if (mark == std::string::npos)
+            continue;
+        int printer = -1;
+        int number = -1;
+        char part[8] = "";
+        EXPECT_EQ(std::sscanf(line.c_str() + mark, "#%d:%d:%7s", &printer, &number, part), 3) << line;
+        numbers[printer].push_back(number);
+        const bool first = std::string(part) == "first";
+        const std::string expected = awaited.empty() ? line.substr(mark) : awaited;
+        EXPECT_EQ(line.substr(mark), expected) << "lines of two messages are mixed";
+        awaited = first ? "#" + std::to_string(printer) + ":" + std::to_string(number + 1) + ":second" : "";
+    }
+    return numbers;
+}
+
+void expectEveryLineOnceInOrder(const Lines &lines)
+{
+    const std::map<int, std::vector<int>> numbers = numbersIn(lines);
+    ASSERT_EQ(numbers.size(), static_cast<std::size_t>(printers));
+    for (const auto &[printer, sequence] : numbers) {
+        ASSERT_EQ(sequence.size(), static_cast<std::size_t>(linesPerPrinter)) << "printer " << printer;
+        for (int i = 0; i < linesPerPrinter; ++i)
+            ASSERT_EQ(sequence[static_cast<std::size_t>(i)], i) << "printer " << printer;
+    }
+}
+
+class Threads : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        // Standard output is a sink of every line here; the test reads the others.
+        ASSERT_NE(std::freopen("/dev/null", "w", stdout), nullptr);
+        host.store("DebugServerFileOutput", "on");
+        host.store("DebugServerShowTimestamp", "on");
+        host.store("DebugServerShowThreadID", "on");
+        Debug::initDebug();
+    }
+    Lines fileLines() const { return linesOf(readFile(libraryFile("GYX_Debug_Output.log"))); }
+
+    MapHost host;
+};
+
+TEST_F(Threads, LinesArriveWhileModulesAreMade)
+{
+    int made = 0;
+    printBeside([&made] {
+        if (made < 400) {
+            const std::string name = "Module" + std::to_string(made++);
+            const Zorvan::moduleId id = Debug::createModule(name.c_str(), name.c_str());
+            Debug::isActive(id, 0, 0);
+            Debug::getModuleName(id);
+        }
+    });
+    expectEveryLineOnceInOrder(fileLines());
+    expectEveryLineOnceInOrder(host.takeLines());
+    Debug::exitDebug();
+}
+
+TEST_F(Threads, CriticalLinesArriveWhileClassesLevelsAndSettingsAreSwitched)
+{
+    int round = 0;
+    printBeside([&round] {
+        const int module = round++ % printers;
+        Debug::enableClasses(module, round % 3 ? QStringLiteral("time") : QStringLiteral("all"));
+        Debug::enableMessageClassType(module, 70); // beyond the classes that have a bit
+        Debug::isActive(module, 1, 70);
+        Debug::setClippingLevel(module, round % 5);
+        Debug::getActiveLevel(module, 1);
+        Debug::setMessageLevelDescriptions(module, 0, static_cast<const char **>(nullptr));
+        const char *levels[] = {"<critical>: ", "<error>: ", "<more>: "};
+        Debug::setMessageLevelDescriptions(module, 3, levels);
+        Debug::setLevelFilter(round % 2 ? QStringLiteral("|#") : QString());
+        Debug::getEnabledSettings();
+        Debug::getEnabledMessageClasses(module);
+    });
+    // While a module has no levels its clipping level is -1: lines may be refused then, but never damaged.
+    for (const auto &[printer, sequence] : numbersIn(fileLines()))
+        EXPECT_TRUE(std::is_sorted(sequence.begin(), sequence.end())) << "printer " << printer;
+    Debug::exitDebug();
+}
+
+TEST_F(Threads, LinesArriveWhileReceiversAndFilesChange)
+{
+    int round = 0;
+    const std::string other = libraryFile("other.log");
+    const std::string usual = libraryFile("GYX_Debug_Output.log");
+    printBeside([&] {
+        ++round;
+        Debug::setOutputReceiver(round % printers, round % 2 ? receive : nullptr);
+        Debug::setOutputFileName(round % 4 < 2 ? other.c_str() : usual.c_str());
+        Debug::getOutputFileName();
+        Debug::setMaxOutputFileSize(1000000000 + round);
+    });
+    std::size_t total = 0;
+    for (const std::string &path : {other, usual}) {
+        for (const auto &[printer, sequence] : numbersIn(linesOf(readFile(path)))) {
+            EXPECT_TRUE(std::is_sorted(sequence.begin(), sequence.end())) << "printer " << printer;
+            total += sequence.size();
+        }
+    }
+    EXPECT_EQ(total, static_cast<std::size_t>(printers * linesPerPrinter));
+    Debug::exitDebug();
+}
+
+TEST_F(Threads, NoLineIsLostWhenTheLibraryStopsAndStartsUnderItsPrinters)
+{
+    // Before the stop a line goes to the file, after it to the system log; the line tap sees the former.
+    int restarts = 0;
+    printBeside([&restarts] {
+        if (++restarts % 2)
+            Debug::exitDebug();
+        else
+            Debug::initDebug();
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    });
+    if (restarts % 2 == 0)
+        Debug::exitDebug();
+    std::map<int, std::vector<int>> numbers = numbersIn(host.takeLines());
+    for (const auto &[printer, sequence] : numbersIn(linesOf(readFile(libraryFile("GYX-syslog-0.log")))))
+        numbers[printer].insert(numbers[printer].end(), sequence.begin(), sequence.end());
+    ASSERT_EQ(numbers.size(), static_cast<std::size_t>(printers));
+    for (auto &[printer, sequence] : numbers) {
+        std::sort(sequence.begin(), sequence.end());
+        EXPECT_EQ(std::unique(sequence.begin(), sequence.end()), sequence.end()) << "a line came twice";
+        EXPECT_EQ(sequence.size(), static_cast<std::size_t>(linesPerPrinter)) << "printer " << printer;
+    }
+}
+
+TEST_F(Threads, QuestionsAreAnsweredWhileTheTableComesAndGoes)
+{
+    std::atomic<bool> done{false};
+    std::vector<std::thread> askers;
+    for (int asker = 0; asker < 3; ++asker) {
+        askers.emplace_back([&done] {
+            while (!done) {
+                for (int module = -1; module < 60; ++module) {
+                    Debug::isActive(module, 1, module);
+                    Debug::getActiveLevel(module, 0);
+                    Debug::getClippingLevel(module);
+                    Debug::getEnabledMessageLevel(module);
+                }
+                int count = 0;
+                int *ids = nullptr;
+                const char **const names = Debug::getModuleNames(&count, &ids);
+                Debug::releaseModuleNames(names, count, ids);
+            }
+        });
+    }
+    for (int round = 0; round < 20; ++round) {
+        Debug::createModule("DebugServerClient", "Client");
+        for (int module = 0; module < 30; ++module)
+            Debug::createModule("More", "More");
+        Debug::exitDebug();
+        Debug::initDebug();
+    }
+    done = true;
+    for (std::thread &asker : askers)
+        asker.join();
+    Debug::exitDebug();
+    EXPECT_TRUE(Debug::isActive(kernel, 99, 99)) << "as before the first start";
+}
+
+} // namespace
