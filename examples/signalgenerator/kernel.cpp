@@ -1,0 +1,114 @@
+#include "kernel.h"
+
+#include "print.h"
+
+#include <utility>
+
+namespace SignalGenerator {
+
+namespace {
+
+bool has(GroupSet groups, Group group)
+{
+    return groups.test(static_cast<std::size_t>(group));
+}
+
+std::string namesOf(GroupSet groups)
+{
+    constexpr const char *names[] = {" synthesizer", " output", " modulators", " baseband"};
+    std::string text;
+    for (std::size_t i = 0; i < groups.size(); ++i) {
+        text += groups.test(i) ? names[i] : "";
+    }
+    return text;
+}
+
+} // namespace
+
+Kernel::Kernel(const Database &database, const Storage &storage, Hardware &hardware)
+    : m_database(database)
+    , m_storage(storage)
+    , m_hardware(hardware)
+{}
+
+void Kernel::settingsChanged(GroupSet groups)
+{
+    bool alreadyPosted = false;
+    {
+        const std::lock_guard<std::mutex> guard(m_mutex);
+        alreadyPosted = m_changed.any();
+        m_changed |= groups;
+    }
+    if (!alreadyPosted && groups.any()) {
+        m_thread.post([this] { setHardware(); });
+    }
+}
+
+void Kernel::settlePoint(const Point &point)
+{
+    m_thread.post([this, point] {
+        const Settings settings = m_database.snapshot();
+        setSynthesizer(settings, point);
+        setOutput(settings, point);
+    });
+    waitUntilSettled();
+}
+
+void Kernel::waitUntilSettled()
+{
+    m_thread.waitUntilIdle();
+    m_hardware.waitUntilSettled();
+}
+
+void Kernel::setHardware()
+{
+    const TimeMeasurement measurement(Module::Kernel, "hardware setting");
+    GroupSet changed;
+    {
+        const std::lock_guard<std::mutex> guard(m_mutex);
+        std::swap(changed, m_changed);
+    }
+    const Settings settings = m_database.snapshot();
+    print(Module::Kernel, Level::Info, "setting%s", namesOf(changed).c_str());
+    const Point carrier{settings[ParameterId::Frequency], settings[ParameterId::Level]};
+    if (has(changed, Group::Synthesizer)) {
+        setSynthesizer(settings, carrier);
+    }
+    if (has(changed, Group::Synthesizer) || has(changed, Group::Output)) {
+        setOutput(settings, carrier); // its amplifier depends on the frequency
+    }
+    if (has(changed, Group::Modulator)) {
+        m_hardware.setModulator(settings);
+    }
+    if (has(changed, Group::Baseband)) {
+        const bool generator = settings.isOn(ParameterId::BasebandState);
+        m_hardware.setBaseband(settings, generator ? m_storage.samplesOfSelectedWaveform() : std::string());
+    }
+}
+
+void Kernel::setSynthesizer(const Settings &settings, const Point &point)
+{
+    const bool external =
+        settings.is(ParameterId::ReferenceSource, static_cast<int>(ReferenceSource::External));
+    m_hardware.setSynthesizer({point.frequencyHz, settings[ParameterId::Phase], external});
+}
+
+void Kernel::setOutput(const Settings &settings, const Point &point)
+{
+    m_hardware.setOutput(
+        {point.frequencyHz, limitedLevel(settings, point.levelDbm), settings.isOn(ParameterId::Output)});
+}
+
+double Kernel::limitedLevel(const Settings &settings, double levelDbm) const
+{
+    const double limit = settings[ParameterId::LevelLimit];
+    if (levelDbm <= limit) {
+        print(Module::OrgLayer, Level::Info, "level %.2f dBm", levelDbm);
+        return levelDbm;
+    }
+    print(Module::OrgLayer, Level::Warning, "level %.2f dBm is above the limit, using %.2f dBm", levelDbm,
+          limit);
+    return limit;
+}
+
+} // namespace SignalGenerator

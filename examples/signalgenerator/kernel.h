@@ -1,0 +1,42 @@
+#pragma once
+
+#include "database.h"
+#include "hardware.h"
+#include "storage.h"
+#include "workerthread.h"
+
+#include <mutex>
+
+namespace SignalGenerator {
+
+/// Turns the settings of the database into settings of the boards, in the kernel thread.
+///
+/// Changes that come while a setting is being calculated are collected: the next one covers them all.
+class Kernel
+{
+public:
+    Kernel(const Database &database, const Storage &storage, Hardware &hardware);
+
+    /// Sets the boards of these groups anew. Any thread; returns at once.
+    void settingsChanged(GroupSet groups);
+    /// Outputs one stop of a sweep in place of the database's frequency and level, and waits until it has
+    /// settled.
+    void settlePoint(const Point &point);
+    /// Waits until everything that was changed so far is at the output.
+    void waitUntilSettled();
+
+private:
+    void setHardware();
+    void setSynthesizer(const Settings &settings, const Point &point);
+    void setOutput(const Settings &settings, const Point &point);
+    [[nodiscard]] double limitedLevel(const Settings &settings, double levelDbm) const;
+
+    const Database &m_database;
+    const Storage &m_storage;
+    Hardware &m_hardware;
+    std::mutex m_mutex; // guards m_changed
+    GroupSet m_changed;
+    WorkerThread m_thread{"kernel"}; // last, so that it ends first
+};
+
+} // namespace SignalGenerator

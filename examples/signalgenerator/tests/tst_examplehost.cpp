@@ -1,0 +1,88 @@
+#include "support/childprocess.h"
+#include "support/programdata.h"
+
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <string>
+
+using namespace Zorvan::test;
+namespace fs = std::filesystem;
+
+namespace {
+
+/// Runs the program with a copy of the shipped settings, which it may change.
+class ExampleHost : public ::testing::Test
+{
+protected:
+    ExampleHost()
+    {
+        fs::create_directories(libraryFolder());
+        fs::copy_file(EXAMPLE_FOLDER "/demo.ini", m_settings, fs::copy_options::overwrite_existing);
+    }
+
+    /// Runs it with options, keeps its standard output and returns the exit code.
+    int run(const std::string &options, const std::string &input = "/dev/null")
+    {
+        const ChildResult result = runChild("'" SIGNALGENERATOR "' " + options + " <" + input + " 2>&1");
+        m_output = result.output;
+        return result.exitCode;
+    }
+
+    int runDemo() { return run("--settings '" + m_settings + "' '" EXAMPLE_FOLDER "/demo.scpi'"); }
+
+    static bool contains(const std::string &text, const std::string &part)
+    {
+        return text.find(part) != std::string::npos;
+    }
+
+    const std::string m_settings = libraryFile("demo.ini");
+    std::string m_output;
+};
+
+TEST_F(ExampleHost, RunsTheShippedScript)
+{
+    ASSERT_EQ(runDemo(), 0);
+    const std::string file = readFile(libraryFile("signalgenerator.log"));
+    for (const char *part :
+         {"        command thread) <  SG4000-Console> <   traffic   >, <        Info>: -> *IDN?\r\n",
+          "          sweep thread) ", "         kernel thread) ", "       hardware thread) ",
+          "<     Warning>: aborted at point ", "<       Error>: error queue is full",
+          "<   Time Meas>: synthesizer: "}) {
+        EXPECT_TRUE(contains(file, part)) << part;
+    }
+    EXPECT_TRUE(contains(m_output, "<- Velmora,SG4000,100001,1.0.0\n"));
+    EXPECT_TRUE(contains(m_output, "<- 0,\"No error\"\n"));
+    EXPECT_TRUE(contains(m_output, "-> *IDN?\n")) << "the library's lines are on the standard output too";
+    EXPECT_TRUE(contains(readFile(libraryFile("GYX-syslog-0.log")), "signal generator has ended\n"));
+}
+
+TEST_F(ExampleHost, KeepsChangedSettingsForTheNextRun)
+{
+    EXPECT_FALSE(contains(readFile(m_settings), "OrgLayerDebugLevel=Info"));
+    ASSERT_EQ(runDemo(), 0);
+    EXPECT_TRUE(contains(readFile(m_settings), "OrgLayerDebugLevel=Info"));
+}
+
+TEST_F(ExampleHost, AnswersOnStandardInput)
+{
+    const std::string input = libraryFile("input.scpi");
+    writeFile(input, "# comment\n\n*IDN?\r\nNONSENSE\nSYST:ERR?");
+    for (const char *options : {"", "-"}) {
+        EXPECT_EQ(run(options, input), 0);
+        EXPECT_EQ(m_output,
+                  "<- Velmora,SG4000,100001,1.0.0\n<- -113,\"Undefined header;NONSENSE\"\n"
+                  "signalgenerator: 3 command lines, 2 replies, 0 lines through the line tap\n");
+    }
+}
+
+TEST_F(ExampleHost, RefusesWrongOptions)
+{
+    EXPECT_EQ(run("--help"), 0);
+    EXPECT_TRUE(contains(m_output, "--settings"));
+    EXPECT_EQ(run("--nonsense"), 1);
+    EXPECT_EQ(run("one two"), 1);
+    EXPECT_EQ(run("/missing/script"), 1);
+    EXPECT_TRUE(contains(m_output, "cannot open /missing/script")) << m_output;
+}
+
+} // namespace

@@ -1,0 +1,77 @@
+#include "debugsession.h"
+#include "instrument.h"
+
+#include <chrono>
+#include <gtest/gtest.h>
+
+using namespace SignalGenerator;
+
+namespace {
+
+class InstrumentTest : public ::testing::Test
+{
+protected:
+    std::string execute(const std::string &line) { return m_instrument.execute(line); }
+
+    DebugSession m_session{QString()};
+    Instrument m_instrument;
+};
+
+TEST_F(InstrumentTest, BringsSettingsToTheHardware)
+{
+    EXPECT_EQ(execute("FREQ 100 MHz;:POW -17;:OUTP ON;*OPC?"), "1");
+    EXPECT_EQ(execute("DIAG:HARD?"), "LOCKED,100000000,35");
+    EXPECT_EQ(execute("*RST;*OPC?;:FREQ?;:POW?;:OUTP?"), "1;1000000000;-30;0");
+    EXPECT_EQ(execute("DIAG:HARD?"), "LOCKED,1000000000,50");
+}
+
+TEST_F(InstrumentTest, RefusesValuesOutOfRangeAndKeepsTheOldOnes)
+{
+    EXPECT_EQ(execute("FREQ 60 GHz;:POW -146;:SWE:POIN 1;:AM 101 PCT;:FREQ?"), "1000000000");
+    EXPECT_EQ(execute("SYST:ERR:COUN?"), "4");
+    EXPECT_EQ(execute("SYST:ERR?"), "-222,\"Data out of range;60000000000\"");
+    EXPECT_EQ(execute("FREQ MIN;FREQ?;FREQ MAX;FREQ?;FREQ? DEF"), "9000;6000000000;1000000000");
+}
+
+TEST_F(InstrumentTest, TakesOffsetsIntoAccount)
+{
+    EXPECT_EQ(execute("FREQ:OFFS 2 GHz;:POW:OFFS 10;:FREQ?;:POW?"), "3000000000;-20");
+    EXPECT_EQ(execute("FREQ 2.5 GHz;*OPC?"), "1");
+    EXPECT_EQ(execute("DIAG:HARD?"), "LOCKED,500000000,50");
+    EXPECT_EQ(execute("FREQ? MAX"), "8000000000") << "the range moves along";
+    EXPECT_EQ(execute("FREQ MAX;*OPC?;:DIAG:HARD?"), "1;LOCKED,6000000000,50");
+}
+
+TEST_F(InstrumentTest, SweepsOnlyInItsModeAndReturnsToTheCarrier)
+{
+    EXPECT_EQ(execute("SWE:EXEC;*OPC?;:SYST:ERR?"), "1;-221,\"Settings conflict;FREQuency:MODE\"");
+    EXPECT_EQ(execute("FREQ:MODE SWE;:SWE:POIN 3;DWEL 50 us;EXEC;*OPC?"), "1");
+    EXPECT_EQ(execute("DIAG:HARD?;:SYST:ERR?"), "LOCKED,1000000000,50;0,\"No error\"");
+}
+
+TEST_F(InstrumentTest, AbortsALongSweepAtOnce)
+{
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(execute("FREQ:MODE SWE;:SWE:DWEL 100 s;EXEC;:ABOR;*OPC?"), "1");
+    EXPECT_EQ(execute("SWE:EXEC"), ""); // left running: the destructor has to end it
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
+}
+
+TEST_F(InstrumentTest, NeedsListsThatFitTogether)
+{
+    EXPECT_EQ(execute("FREQ:MODE LIST;:LIST:TRIG:EXEC;:SYST:ERR?"),
+              "-221,\"Settings conflict;no list is selected\"");
+    (void)execute("LIST:SEL 'A';FREQ 1 GHz, 2 GHz, 3 GHz;POW 0, 1");
+    EXPECT_EQ(execute("LIST:TRIG:EXEC;:SYST:ERR?"), "-221,\"Settings conflict;list A\"");
+    EXPECT_EQ(execute("LIST:POW 0;DWEL 50 us;TRIG:EXEC;*OPC?;:SYST:ERR?"), "1;0,\"No error\"");
+}
+
+TEST_F(InstrumentTest, ReportsFaultsOfTheHardware)
+{
+    EXPECT_EQ(execute("ROSC:SOUR EXT;*OPC?;*TST?"), "1;1");
+    EXPECT_EQ(execute("SYST:ERR?"), "20,\"External reference missing;REF IN\"");
+    EXPECT_EQ(execute("ROSC:SOUR INT;:OUTP ON;:FREQ 5 GHz;*OPC?;:POW 22;*OPC?;:SYST:ERR?"),
+              "1;1;50,\"Output unlevelled;22 dBm\"");
+}
+
+} // namespace
