@@ -37,15 +37,19 @@ public:
     {
         // The answer counts as "off" while the host looks it up: its reader may print.
         State expected = State::Unread;
-        if (m_state.compare_exchange_strong(expected, State::Off)
-            && host::readInteger(QStringLiteral("doingSmokeTest"), 0) == 1)
-            m_state.store(State::On);
+        if (m_state.compare_exchange_strong(expected, State::Reading)) {
+            const bool on = host::readInteger(QStringLiteral("doingSmokeTest"), 0) == 1;
+            m_state.store(on ? State::On : State::Off);
+        }
         return m_state.load() == State::On;
     }
+    /// It is off for good: no need to ask again.
+    [[nodiscard]] bool isSettledOff() const { return m_state.load() == State::Off; }
 
 private:
     enum class State {
         Unread,
+        Reading,
         Off,
         On,
     };
@@ -58,7 +62,7 @@ SmokeTest s_smokeTestOfActiveLevel; // getActiveLevel() reads the setting for it
 bool isSmokeTest()
 {
     const bool on = s_smokeTest.isOn();
-    if (!on)
+    if (s_smokeTest.isSettledOff())
         s_gate.set(Gate::smokeTestOff, true);
     return on;
 }

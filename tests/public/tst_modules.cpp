@@ -1,5 +1,4 @@
-// The module table: ids, names, growth, use and descriptions of modules, and what a host's callback may do to
-// it.
+// The module table: ids, names, growth, use, descriptions, and what a host's callback may do to it.
 
 #include "support/maphost.h"
 
@@ -8,7 +7,7 @@
 #include <array>
 #include <climits>
 #include <gtest/gtest.h>
-#include <sstream>
+#include <map>
 
 using Zorvan::Debug;
 using Zorvan::moduleId;
@@ -40,7 +39,7 @@ protected:
         Debug::println(id, 0, QStringLiteral("text"), 0);
         return host.takeLines();
     }
-    static Lines prefixes()
+    static Lines prefixes() // by id
     {
         int count = 0;
         int *ids = nullptr;
@@ -89,21 +88,16 @@ class NoTable : public Modules
 
 TEST_F(Modules, PredefinedModulesHaveTheirNamesAndSettings)
 {
-    std::istringstream table(
-        "#DebugServer# DebugServer  KLV-Startup Startup  KLV-Kernel Kernel  KLV-Gui Gui "
-        "KLV-Database Database  KLV-OrgLayer OrgLayer  KLV-Unicod1 Unicod1 "
-        "KLV-Unicod2 Unicod2  KLV-Unicod3 Unicod3  KLV-Unicod4 Unicod4  KLV-DACIF DACIF "
-        "KLV-Utilities Utilities  KLV-PlugIn PlugIn  KLV-Scpi Scpi  KLV-ListAdmin ListAdmin "
-        "KLV-Sweep Sweep  KLV-BBIN BBIN  KLV-Fader Fader  KLV-B12 KLVB12  - -  - -  - - "
-        "Tarnel-BaseBoard Tarnel  Ostrik-AMB Ostrik  WAVEMILL2 Wavemill2  - -  - -");
-    std::string expected;
-    std::string description;
-    for (moduleId id = 0; table >> expected >> description; ++id) {
-        const bool named = expected != "-";
+    const std::map<moduleId, std::array<std::string, 2>> some = {
+        {0, {"#DebugServer#", "DebugServer"}}, {8, {"KLV-Unicod3", "Unicod3"}},
+        {9, {"KLV-Unicod4", "Unicod4"}},       {17, {"KLV-Fader", "Fader"}},
+        {18, {"KLV-B12", "KLVB12"}},           {22, {"Tarnel-BaseBoard", "Tarnel"}},
+        {24, {"WAVEMILL2", "Wavemill2"}},      {26, {"Please call setModuleDescription()", "unnamedModule"}}};
+    for (const auto &[id, texts] : some) {
         use(id);
-        EXPECT_EQ(name(id), named ? expected : "Please call setModuleDescription()");
+        EXPECT_EQ(name(id), texts[0]);
         for (const char *const setting : {"DebugClasses", "DebugLevel"})
-            EXPECT_EQ(host.reads(((named ? description : "unnamedModule") + setting).c_str()), named ? 1 : 5);
+            EXPECT_EQ(host.reads((texts[1] + setting).c_str()), id == 26 ? 5 : 1) << texts[1];
     }
 }
 
@@ -134,11 +128,10 @@ TEST_F(Modules, AskingPutsAModuleIntoUseAndWidensThePrefixes)
     expected[0] = "<#DebugServer#> "; // its own notices asked about it during the start
     EXPECT_EQ(prefixes(), expected);
     use(kernel);
-    expected[kernel] = "<   KLV-Kernel> ";
-    EXPECT_EQ(prefixes(), expected);
     Debug::getActiveLevel(baseBoard, 0);
     EXPECT_EQ(prefixes().at(baseBoard), "<Tarnel-BaseBoard> ");
     EXPECT_EQ(prefixes().at(kernel), "<      KLV-Kernel> ");
+    expected[kernel] = "<   KLV-Kernel> ";
     Debug::setModuleDescription(baseBoard, " a:<b>, \xe4, ", "Tarnel");
     expected[baseBoard] = "<   a:<b>, \xe4, > ";
     EXPECT_EQ(prefixes(), expected);

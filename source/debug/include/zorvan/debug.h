@@ -149,8 +149,8 @@ public:
 
     /// Makes a module and returns its id, which stays valid until the last exitDebug(); -1 without a table.
     ///
-    /// It starts without classes and levels, at clipping level 0. The name "DebugServerClient" resets the whole table
-    /// first: a remote client uses it to mirror another process.
+    /// It starts without classes and levels, at clipping level 0. The name "DebugServerClient" first resets the whole
+    /// table, or makes one if there is none: a remote client mirrors another process with it, and gets id 27.
     static moduleId createModule(const char *name, const char *description);
     /// Renames a module. \a name stands in the line header; \a description in the keys of its settings.
     static void setModuleDescription(moduleId module, const char *name, const char *description);
