@@ -15,6 +15,11 @@ target_compile_definitions(zorvan_warnings INTERFACE
 target_include_directories(zorvan_warnings INTERFACE
     ${PROJECT_SOURCE_DIR}/source ${PROJECT_SOURCE_DIR}/source/debug/include ${PROJECT_BINARY_DIR}/include)
 target_link_libraries(zorvan_warnings INTERFACE Threads::Threads)
+if(ZORVAN_BUILD_FUZZERS)
+    # The whole library: the fuzzer follows the paths through it, the sanitizers watch them.
+    target_compile_options(zorvan_warnings INTERFACE -fsanitize=fuzzer-no-link,address,undefined)
+    target_link_options(zorvan_warnings INTERFACE -fsanitize=address,undefined)
+endif()
 if(ZORVAN_SANITIZE)
     target_compile_options(zorvan_warnings INTERFACE -fsanitize=${ZORVAN_SANITIZE} -fno-omit-frame-pointer)
     target_link_options(zorvan_warnings INTERFACE -fsanitize=${ZORVAN_SANITIZE})

@@ -2,6 +2,7 @@
 
 #include "debug/moduletable.h"
 #include "debug/normalizedname.h"
+#include "debug/notice.h"
 #include "debug/outputgate.h"
 #include "debug/receivers.h"
 #include "debugserverqueue/guibridge.h"
@@ -18,33 +19,15 @@ namespace {
 constexpr int everyClass = -1;
 constexpr int everyClassInverted = -2;
 constexpr int silent = -1; // clipping level
-constexpr int infoLevel = 3;
 
-int classCount(moduleId id)
+void storeClassState(moduleId id, int cls, bool enabled) ZORVAN_REQUIRES(moduleTable().lock())
 {
-    ModuleTable &table = moduleTable();
-    const platform::Locked guard(table.lock());
-    const Module *const module = table.find(id);
-    return module ? module->classes->count() : 0;
-}
-
-void storeClassState(moduleId id, int cls, bool enabled)
-{
-    {
-        ModuleTable &table = moduleTable();
-        const platform::Locked guard(table.lock());
-        Module *const module = table.find(id);
-        if (module == nullptr)
-            return;
-        module->classStates[cls].enabled = enabled;
-        if (static_cast<unsigned>(cls) < 64) {
-            std::atomic<std::uint64_t> &bits = table.switches(id)->enabledClasses;
-            const std::uint64_t bit = std::uint64_t(1) << cls;
-            const std::uint64_t old = bits.load(std::memory_order_relaxed);
-            bits.store(enabled ? old | bit : old & ~bit, std::memory_order_relaxed);
-        }
-    }
-    setOutputEnabled(true);
+    Module *const module = moduleTable().find(id);
+    if (module == nullptr)
+        return;
+    module->classStates[cls].enabled = enabled;
+    moduleTable().switchesChanged(id);
+    setupOutputEnabled(true);
 }
 
 /// " description" of every class that is enabled or was never touched.
@@ -59,14 +42,9 @@ QString classMask(const Module &module)
     return mask;
 }
 
-void printNotice(const QString &text)
-{
-    Debug::println(libraryModule, 0, text, infoLevel);
-}
-
 void printClassMask(moduleId id)
 {
-    if (!Debug::isActive(libraryModule, infoLevel, 0))
+    if (!Debug::isActive(libraryModule, noticeLevel, 0))
         return;
     ModuleTable &table = moduleTable();
     const platform::Locked guard(table.lock());
@@ -74,20 +52,21 @@ void printClassMask(moduleId id)
         printNotice(QStringLiteral("new message class mask for module ") + fromLatin1(module->name)
                     + QLatin1Char(':'));
     }
-    if (!Debug::isActive(libraryModule, infoLevel, 0))
-        return; // printing ran host code, which may have changed anything
-    if (const Module *const module = table.find(id))
+    if (const Module *const module = table.find(id)) // again: printing ran host code
         printNotice(classMask(*module));
 }
 
-/// Enables or disables one class, or all of them for -1, or all with the sense inverted for -2. The two special
-/// numbers keep an entry of their own besides, which says what messages of that class number get.
+/// Enables or disables one class, or all of them for -1, or all with the sense inverted for -2. The two
+/// special numbers keep an entry of their own besides, which says what messages of that class number get.
 void switchClass(moduleId id, int cls, bool enable)
 {
-    if (moduleTable().switches(id) == nullptr)
+    ModuleTable &table = moduleTable();
+    const platform::Locked guard(table.lock());
+    const Module *const module = table.find(id);
+    if (module == nullptr)
         return;
     if (cls == everyClass || cls == everyClassInverted) {
-        const int count = classCount(id);
+        const int count = module->classes->count();
         for (int each = 0; each < count; ++each)
             storeClassState(id, each, (cls == everyClass) == enable);
         printClassMask(id);
@@ -96,14 +75,12 @@ void switchClass(moduleId id, int cls, bool enable)
 }
 
 /// Classes whose normalized description begins with \a piece (lower case).
-std::vector<int> classesBeginningWith(moduleId id, const QString &piece)
+std::vector<int> classesBeginningWith(moduleId id, const QString &piece) ZORVAN_REQUIRES(moduleTable().lock())
 {
     std::vector<int> classes;
-    ModuleTable &table = moduleTable();
-    const platform::Locked guard(table.lock());
-    const Module *const module = table.find(id);
+    const Module *const module = moduleTable().find(id);
     for (int cls = 0; module && cls < module->classes->count(); ++cls) {
-        if (normalizedName(fromLatin1(module->classes->text(cls))).toLower().startsWith(piece))
+        if (getNormalizedName(fromLatin1(module->classes->text(cls))).toLower().startsWith(piece))
             classes.push_back(cls);
     }
     return classes;
@@ -123,6 +100,8 @@ void Debug::disableMessageClassType(moduleId module, int cls)
 
 void Debug::enableClasses(moduleId module, const QString &spec)
 {
+    ModuleTable &table = moduleTable();
+    const platform::Locked guard(table.lock()); // others see one change, not one for each class
     // Words count anywhere in the text: "small" enables everything, "nonetheless" nothing.
     const QString wanted = spec.toLower();
     if (wanted.contains(QLatin1String("none"))) {
@@ -157,7 +136,7 @@ QString Debug::getEnabledMessageClasses(moduleId id)
         all = all && state->second.enabled;
         any = any || state->second.enabled;
         if (state->second.enabled && state->first < module->classes->count())
-            enabled += normalizedName(fromLatin1(module->classes->text(state->first)));
+            enabled += getNormalizedName(fromLatin1(module->classes->text(state->first)));
     }
     if (all)
         return QStringLiteral("all");
@@ -166,15 +145,12 @@ QString Debug::getEnabledMessageClasses(moduleId id)
 
 void Debug::enableLevel(moduleId id, const QString &spec)
 {
-    const Descriptions *levels = nullptr;
-    {
-        ModuleTable &table = moduleTable();
-        const platform::Locked guard(table.lock());
-        const Module *const module = table.find(id);
-        if (module == nullptr)
-            return;
-        levels = module->levels;
-    }
+    ModuleTable &table = moduleTable();
+    const platform::Locked guard(table.lock());
+    const Module *const module = table.find(id);
+    if (module == nullptr)
+        return;
+    const Descriptions *const levels = module->levels;
     const QString wanted = spec.toLower();
     if (wanted.contains(QLatin1String("release"))) {
         setClippingLevel(id, silent);
@@ -184,9 +160,11 @@ void Debug::enableLevel(moduleId id, const QString &spec)
         setClippingLevel(id, levels->count() - 1);
         return;
     }
-    for (int level = 0; level < levels->count(); ++level) {
-        if (fromLatin1(levels->text(level)).toLower().contains(wanted))
+    for (int level = levels->count() - 1; level >= 0; --level) {
+        if (fromLatin1(levels->text(level)).toLower().contains(wanted)) {
             setClippingLevel(id, level);
+            return;
+        }
     }
 }
 
@@ -197,8 +175,8 @@ QString Debug::getEnabledMessageLevel(moduleId id)
     const Module *const module = table.find(id);
     if (module == nullptr)
         return QString();
-    const int level = table.switches(id)->clippingLevel.load(std::memory_order_relaxed);
-    return level < 0 ? QStringLiteral("release") : normalizedName(fromLatin1(module->levels->text(level)));
+    const int level = module->clippingLevel;
+    return level < 0 ? QStringLiteral("release") : getNormalizedName(fromLatin1(module->levels->text(level)));
 }
 
 void Debug::setClippingLevel(moduleId id, int level)
@@ -206,13 +184,13 @@ void Debug::setClippingLevel(moduleId id, int level)
     {
         ModuleTable &table = moduleTable();
         const platform::Locked guard(table.lock());
-        const Module *const module = table.find(id);
+        Module *const module = table.find(id);
         if (module == nullptr)
             return;
-        const int highest = module->levels->count() - 1;
-        table.switches(id)->clippingLevel.store(std::min(level, highest), std::memory_order_relaxed);
+        module->clippingLevel = std::min(level, module->levels->count() - 1);
+        table.switchesChanged(id);
     }
-    setOutputEnabled(true);
+    setupOutputEnabled(true);
     if (!hasGlobalReceiver())
         guibridge::requestRedraw();
 }
@@ -223,8 +201,8 @@ int Debug::getClippingLevel(moduleId id)
     const platform::Locked guard(table.lock());
     if (!table.exists())
         return 0;
-    const ModuleSwitches *const switches = table.switches(id);
-    return switches ? switches->clippingLevel.load(std::memory_order_relaxed) : -1;
+    const Module *const module = table.find(id);
+    return module ? module->clippingLevel : -1;
 }
 
 } // namespace Zorvan

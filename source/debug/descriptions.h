@@ -21,7 +21,8 @@ public:
     [[nodiscard]] const char **array() const { return m_texts.empty() ? nullptr : m_pointers.data(); }
 
     /// The one object with these texts: setting the same texts again costs no memory.
-    /// \a count -1: the array ends with a null pointer. A null array has no texts, a null text is empty. Any thread.
+    /// \a count -1: the array ends with a null pointer. A null array has no texts, a null text is empty.
+    /// Callers hold the module table's lock, which also keeps the pool free while the process forks.
     static const Descriptions *intern(int count, const char *const *texts);
     static const Descriptions *none();
 

@@ -1,6 +1,6 @@
 #include "debug/displayflags.h"
 
-#include "debug/moduletable.h"
+#include "debug/notice.h"
 #include "debug/receivers.h"
 
 #include <zorvan/debug.h>
@@ -12,35 +12,28 @@ namespace Zorvan::displayflags {
 namespace {
 
 constexpr unsigned defaultWord = moduleName | classDescription | levelDescription;
-constexpr int infoLevel = 3;
 
 std::atomic<unsigned> s_word{defaultWord};
 
 /// The flags with commands: the n-th is switched on by -(2n + 1) and off by -(2n + 2).
-constexpr Flag commandedFlags[] = {fileOutput, throwAssertion, timeStamp,             threadId,
-                                   moduleName, consoleOutput,  allowProgrammaticClear};
+constexpr Flag commandedFlags[] = {fileOutput,    throwAssertion,        timeStamp, threadId, moduleName,
+                                   consoleOutput, allowProgrammaticClear};
 constexpr int commandCount = 2 * static_cast<int>(sizeof commandedFlags / sizeof *commandedFlags);
 
-void printNoticeLine(const QString &text)
-{
-    if (Debug::isActive(libraryModule, infoLevel, 0))
-        Debug::println(libraryModule, 0, text, infoLevel);
-}
-
-void printNotice()
+void printFlags()
 {
     if (hasGlobalReceiver())
         return;
-    printNoticeLine(QStringLiteral("KLV debug flag settings changed:"));
+    printNotice(QStringLiteral("KLV debug flag settings changed:"));
     const unsigned flags = word();
     if (has(flags, fileOutput))
-        printNoticeLine(QStringLiteral("+ writing output to file"));
+        printNotice(QStringLiteral("+ writing output to file"));
     if (has(flags, moduleName))
-        printNoticeLine(QStringLiteral("+ displaying module name"));
+        printNotice(QStringLiteral("+ displaying module name"));
     if (has(flags, classDescription))
-        printNoticeLine(QStringLiteral("+ displaying message class description"));
+        printNotice(QStringLiteral("+ displaying message class description"));
     if (has(flags, levelDescription))
-        printNoticeLine(QStringLiteral("+ displaying message level"));
+        printNotice(QStringLiteral("+ displaying message level"));
 }
 
 void set(Flag flag, bool on)
@@ -61,7 +54,7 @@ unsigned word()
 void change(Flag flag, bool on)
 {
     set(flag, on);
-    printNotice();
+    printFlags();
 }
 
 void reset()
@@ -80,7 +73,7 @@ void Debug::setDisplayFlags(int command)
         const int index = -command - 1;
         set(commandedFlags[index / 2], index % 2 == 0);
     }
-    printNotice();
+    printFlags();
 }
 
 int Debug::getDisplayFlags()

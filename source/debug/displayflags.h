@@ -1,6 +1,6 @@
 #pragma once
 
-/// The word of display flags. Any thread, no lock.
+/// The word of display flags. Any thread.
 
 namespace Zorvan::displayflags {
 

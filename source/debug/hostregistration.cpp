@@ -60,14 +60,4 @@ void Debug::eventLoopFinished()
     guibridge::setEventLoopRunning(false);
 }
 
-bool Debug::eventLoopRunning()
-{
-    return guibridge::eventLoopRunning();
-}
-
-bool Debug::usingQt()
-{
-    return guibridge::ensureQueue();
-}
-
 } // namespace Zorvan

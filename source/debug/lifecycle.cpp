@@ -17,8 +17,8 @@ namespace Zorvan {
 
 namespace {
 
-const char *defaultLevels[] = {"<+ CRITICAL +>: ", "<       Error>: ", "<     Warning>: ", "<        Info>: ",
-                               "<   Time Meas>: "};
+const char *defaultLevels[] = {
+    "<+ CRITICAL +>: ", "<       Error>: ", "<     Warning>: ", "<        Info>: ", "<   Time Meas>: "};
 const char *defaultClasses[] = {"<debug message>, ", "<  time meas  >, "};
 
 std::atomic<int> s_users{0};
@@ -31,8 +31,10 @@ void endWithApplication()
     guibridge::applicationGone();
 }
 
-void describeAllModules()
+void buildModules()
 {
+    const StartScope starting;
+    checkConfig();
     for (moduleId id = 0; id < moduleTable().capacity(); ++id) {
         Debug::setMessageLevelDescriptions(id, static_cast<int>(std::size(defaultLevels)), defaultLevels);
         Debug::setMessageClassDescriptions(id, static_cast<int>(std::size(defaultClasses)), defaultClasses);
@@ -42,15 +44,18 @@ void describeAllModules()
 void silenceBoxesIfForbidden()
 {
     IUtilityInterface *const handler = host::utilityHandler();
+    silentMessageBox *const silent = silentMessageBox::instance();
     if (handler && !handler->messageBoxesAllowed())
-        host::setMessageBoxHandler(silentMessageBox::instance());
+        host::setMessageBoxHandler(silent);
+    else if (host::messageBoxHandler() == silent) // of an earlier start
+        host::setMessageBoxHandler(nullptr);
 }
 
 /// Takes back one user. True if it was the last one; surplus calls change nothing.
 bool wasLastUser()
 {
     int users = s_users.load();
-    while (users > 0 && !s_users.compare_exchange_weak(users, users - 1)) { }
+    while (users > 0 && !s_users.compare_exchange_weak(users, users - 1)) {}
     return users == 1;
 }
 
@@ -61,25 +66,26 @@ void releaseTables()
     table.release();
     outputFile().beginRun();
     displayflags::reset();
-    resetOutputGate();
+    setupOutputEnabled(true); // as before the first start
 }
 
 } // namespace
 
 void Debug::initDebug()
 {
+    // Anew at each call: an application that has ended took the registration with it.
+    qRemovePostRoutine(endWithApplication);
+    qAddPostRoutine(endWithApplication);
     if (s_users.fetch_add(1) != 0) {
-        usingQt(); // connects the library with an application that has come up meanwhile
+        guibridge::usingQt(); // connects the library with an application that has come up meanwhile
         return;
     }
-    qAddPostRoutine(endWithApplication);
     silenceBoxesIfForbidden();
-    checkConfig();
-    describeAllModules();
+    buildModules();
     installQtMessageHandler();
     readStartSettings();
     setupOutputEnabled(true);
-    usingQt();
+    guibridge::usingQt();
 }
 
 void Debug::exitDebug()

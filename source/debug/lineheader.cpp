@@ -3,10 +3,10 @@
 #include "debug/displayflags.h"
 #include "host/hosthandlers.h"
 
+#include <QDateTime>
+
 #include <algorithm>
-#include <cmath>
 #include <cstdio>
-#include <cstring>
 
 namespace Zorvan {
 
@@ -16,22 +16,90 @@ constexpr int allClasses = -1;
 constexpr int microsPerSecond = 1'000'000;
 constexpr double longestElapsed = 1e11; // seconds; keeps a broken counter inside the range of dates
 
+/// The clock of the time stamps: the wall clock at the first stamped line of the process, moved on by the
+/// host's high-resolution counter, so that later changes of the wall clock do not show. Guarded by the
+/// table's lock.
+class StampClock
+{
+public:
+    /// Appends "hh:mm:ss.mmm.uuu: ".
+    void append(std::string &line, HostCalls hostCalls);
+
+private:
+    void start(HostCalls hostCalls);
+    [[nodiscard]] double elapsedSeconds(HostCalls hostCalls) const;
+
+    bool m_started = false;
+    quint64 m_startCount = 0;
+    QDateTime m_startTime;
+    qint64 m_textSecond = 0; // whole seconds since the start that m_text stands for
+    std::string m_text; // "hh:mm:ss": formatting a date costs more than writing a line
+};
+
+/// '.' and three digits: a general formatter would take longer than all the rest of the header.
+void appendThreeDigits(std::string &line, int number)
+{
+    const auto digit = [](int value) { return static_cast<char>('0' + value % 10); };
+    const char piece[] = {'.', digit(number / 100), digit(number / 10), digit(number)};
+    line.append(piece, sizeof piece);
+}
+
 StampClock &stampClock()
 {
     static auto *clock = new StampClock; // never destroyed: static objects of the host may print
     return *clock;
 }
 
-void appendThread(std::string &line)
+void StampClock::start(HostCalls hostCalls)
+{
+    m_started = true; // first: the host's counter may print
+    m_startTime = QDateTime::currentDateTime();
+    if (hostCalls == HostCalls::Allowed)
+        m_startCount = host::readCounter().count;
+}
+
+double StampClock::elapsedSeconds(HostCalls hostCalls) const
+{
+    if (hostCalls == HostCalls::Forbidden)
+        return 0.0;
+    const host::CounterReading now = host::readCounter();
+    if (!(now.frequency > 0.0))
+        return 0.0;
+    // The difference is signed: a counter may step back.
+    const double elapsed = static_cast<double>(static_cast<qint64>(now.count - m_startCount)) / now.frequency;
+    return std::clamp(elapsed, -longestElapsed, longestElapsed);
+}
+
+void StampClock::append(std::string &line, HostCalls hostCalls)
+{
+    if (!m_started)
+        start(hostCalls);
+    const double elapsed = elapsedSeconds(hostCalls);
+    const auto whole = static_cast<qint64>(elapsed);
+    const double fraction = elapsed - static_cast<double>(whole);
+    const int micros = std::clamp(static_cast<int>(fraction * microsPerSecond), 0, microsPerSecond - 1);
+    if (whole != m_textSecond || m_text.empty()) {
+        m_text = m_startTime.addSecs(whole).toString(QStringLiteral("hh:mm:ss")).toStdString();
+        m_textSecond = whole;
+    }
+    line += m_text;
+    appendThreeDigits(line, micros / 1000);
+    appendThreeDigits(line, micros % 1000);
+    line += ": ";
+}
+
+void appendThread(std::string &line, HostCalls hostCalls)
 {
     char piece[48];
-    if (!host::hasThreadHandler()) {
-        line.append(piece, static_cast<std::size_t>(std::snprintf(piece, sizeof piece, "(thread %p) ",
-                                                                  platform::currentThreadId())));
+    IThraedInterface *const handler = host::threadHandler();
+    if (handler == nullptr) {
+        line.append(piece,
+                    static_cast<std::size_t>(
+                        std::snprintf(piece, sizeof piece, "(thread %p) ", platform::currentThreadId())));
         return;
     }
     constexpr std::size_t nameWidth = 15; // shorter names are right-aligned, longer ones never cut
-    const char *const given = host::threadName();
+    const char *const given = hostCalls == HostCalls::Allowed ? handler->threadName() : nullptr;
     const std::string_view name = given ? given : "";
     line += '(';
     line.append(nameWidth - std::min(nameWidth, name.size()), ' ');
@@ -41,48 +109,13 @@ void appendThread(std::string &line)
 
 } // namespace
 
-void StampClock::start()
-{
-    m_startTime = QDateTime::currentDateTime();
-    m_startCount = host::readCounter().count;
-    m_started = true;
-}
-
-double StampClock::elapsedSeconds() const
-{
-    const host::CounterReading now = host::readCounter();
-    if (!(now.frequency > 0.0))
-        return 0.0;
-    // The difference is signed: a counter may step back.
-    const double elapsed = static_cast<double>(static_cast<qint64>(now.count - m_startCount)) / now.frequency;
-    return std::clamp(elapsed, -longestElapsed, longestElapsed);
-}
-
-void StampClock::append(std::string &line)
-{
-    if (!m_started)
-        start();
-    const double elapsed = elapsedSeconds();
-    const auto whole = static_cast<qint64>(elapsed);
-    const double fraction = elapsed - static_cast<double>(whole);
-    const int micros = std::clamp(static_cast<int>(fraction * microsPerSecond), 0, microsPerSecond - 1);
-    if (whole != m_textSecond || m_text.empty()) {
-        m_text = m_startTime.addSecs(whole).toString(QStringLiteral("hh:mm:ss")).toStdString();
-        m_textSecond = whole;
-    }
-    char piece[24];
-    line += m_text;
-    line.append(piece, static_cast<std::size_t>(std::snprintf(piece, sizeof piece, ".%03d.%03d: ", micros / 1000,
-                                                              micros % 1000)));
-}
-
-void appendLineHeader(std::string &line, moduleId id, int cls, int level, unsigned flags)
+void appendLineHeader(std::string &line, moduleId id, int cls, int level, unsigned flags, HostCalls hostCalls)
 {
     using namespace displayflags;
     if (has(flags, timeStamp))
-        stampClock().append(line);
+        stampClock().append(line, hostCalls);
     if (has(flags, threadId))
-        appendThread(line);
+        appendThread(line, hostCalls);
     ModuleTable &table = moduleTable();
     const Module *const module = id < table.count() ? table.find(id) : nullptr;
     if (has(flags, moduleName))

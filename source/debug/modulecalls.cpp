@@ -26,9 +26,8 @@ void requestRedrawUnlessReceived()
         guibridge::requestRedraw();
 }
 
-/// Stores the descriptions, then applies the module's saved setting of that kind, all under the lock so that other
-/// threads see both or neither.
-void describe(moduleId id, const Descriptions *Module::*kind, const Descriptions *descriptions,
+/// Stores the descriptions, then applies the module's saved setting of that kind, all under the lock.
+void describe(moduleId id, const Descriptions *Module::*kind, int count, const char **descriptions,
               const char *keySuffix, const char *defaultSpec, void (*apply)(moduleId, const QString &))
 {
     {
@@ -37,7 +36,7 @@ void describe(moduleId id, const Descriptions *Module::*kind, const Descriptions
         Module *const module = table.find(id);
         if (module == nullptr)
             return;
-        module->*kind = descriptions;
+        module->*kind = Descriptions::intern(count, descriptions);
         const QString key = fromLatin1(module->description) + QLatin1String(keySuffix);
         apply(id, host::readString(key, QLatin1String(defaultSpec)));
     }
@@ -55,17 +54,9 @@ const char **descriptionsOf(moduleId id, const Descriptions *Module::*kind, int 
     return descriptions->array();
 }
 
-void resetForClient()
-{
-    ModuleTable &table = moduleTable();
-    const platform::Locked guard(table.lock());
-    table.build();
-    guibridge::setClientMode();
-}
-
 } // namespace
 
-void Debug::checkConfig()
+void checkConfig()
 {
     ModuleTable &table = moduleTable();
     const platform::Locked guard(table.lock());
@@ -76,9 +67,12 @@ moduleId Debug::createModule(const char *name, const char *description)
 {
     ModuleTable &table = moduleTable();
     const platform::Locked guard(table.lock());
-    if (name && std::strcmp(name, "DebugServerClient") == 0)
-        resetForClient();
-    const moduleId id = table.add(); // -1 without a table: any other id would alias a module made after initDebug()
+    if (name && std::strcmp(name, "DebugServerClient") == 0) {
+        checkConfig();
+        guibridge::setClientMode();
+    }
+    // -1 without a table: any other id would belong to a module made after initDebug().
+    const moduleId id = table.add();
     setModuleDescription(id, name, description);
     return id;
 }
@@ -91,17 +85,10 @@ void Debug::setModuleDescription(moduleId id, const char *name, const char *desc
         Module *const module = table.find(id);
         if (module == nullptr)
             return;
-        module->name = name ? name : "";
         module->description = description ? description : "";
-        module->prefix.clear();
-        table.rebuildPrefixes();
+        table.rename(id, name ? name : "");
     }
     guibridge::requestRebuild();
-}
-
-QString Debug::getNormalizedName(const QString &name)
-{
-    return normalizedName(name);
 }
 
 QString Debug::getModuleName(moduleId id)
@@ -109,7 +96,7 @@ QString Debug::getModuleName(moduleId id)
     ModuleTable &table = moduleTable();
     const platform::Locked guard(table.lock());
     const Module *const module = table.find(id);
-    return module ? normalizedName(fromLatin1(module->prefix)) : QString();
+    return module ? getNormalizedName(fromLatin1(module->prefix)) : QString();
 }
 
 const char **Debug::getModuleNames(int *count, int **ids)
@@ -147,8 +134,7 @@ void Debug::releaseModuleNames(const char **names, int count, int *ids)
 
 void Debug::setMessageClassDescriptions(moduleId module, int count, const char **descriptions)
 {
-    describe(module, &Module::classes, Descriptions::intern(count, descriptions), "DebugClasses", "all",
-             enableClasses);
+    describe(module, &Module::classes, count, descriptions, "DebugClasses", "all", enableClasses);
 }
 
 void Debug::setMessageClassDescriptions(moduleId module, int count, char **descriptions)
@@ -163,8 +149,7 @@ const char **Debug::getMessageClassDescriptions(moduleId module, int *count)
 
 void Debug::setMessageLevelDescriptions(moduleId module, int count, const char **descriptions)
 {
-    describe(module, &Module::levels, Descriptions::intern(count, descriptions), "DebugLevel", "critical",
-             enableLevel);
+    describe(module, &Module::levels, count, descriptions, "DebugLevel", "critical", enableLevel);
 }
 
 void Debug::setMessageLevelDescriptions(moduleId module, int count, char **descriptions)

@@ -4,6 +4,7 @@
 #include "platform/process.h"
 
 #include <algorithm>
+#include <cstdint>
 
 namespace Zorvan {
 
@@ -51,95 +52,150 @@ void releaseTable() ZORVAN_NO_THREAD_SAFETY_ANALYSIS
     moduleTable().lock().unlock();
 }
 
-/// A child of fork() finds the table unlocked and consistent. The table's lock is taken before those of the system
-/// log; the preparing functions run in the reverse order of their registration.
+void releaseTableInChild() ZORVAN_NO_THREAD_SAFETY_ANALYSIS
+{
+    moduleTable().lock().forgetWaiters();
+    releaseTable();
+}
+
+/// A child of fork() finds the table unlocked and consistent. The table's lock is taken before those of the
+/// system log; the preparing functions run in the reverse order of their registration.
 const bool s_forkHandlersRegistered = [] {
     registerLowlevelForkHandlers();
-    platform::aroundFork(holdTable, releaseTable, releaseTable);
+    platform::aroundFork(holdTable, releaseTable, releaseTableInChild);
     return true;
 }();
 
+std::uint64_t classBits(const Module &module)
+{
+    std::uint64_t bits = 0;
+    const auto end = module.classStates.lower_bound(64);
+    for (auto state = module.classStates.lower_bound(0); state != end; ++state)
+        bits |= std::uint64_t(state->second.enabled) << state->first;
+    return bits;
+}
+
+void setPrefix(Module &module, std::size_t width)
+{
+    module.prefix = '<' + std::string(width - module.name.size(), ' ') + module.name + "> ";
+}
+
 } // namespace
 
-ModuleTable ModuleTable::s_instance;
+QuickSwitches ModuleTable::s_quickSwitches;
+
+ModuleTable &moduleTable()
+{
+    static auto *table = new ModuleTable;
+    return *table;
+}
+
+bool Module::hasEnabledClass() const
+{
+    const auto isEnabled = [](const auto &state) { return state.second.enabled; };
+    return std::any_of(classStates.lower_bound(0), classStates.end(), isEnabled);
+}
+
+bool Module::isClassEnabled(int cls) const
+{
+    const auto state = classStates.find(cls);
+    return state != classStates.end() && state->second.enabled;
+}
 
 void ModuleTable::build()
 {
-    makeRecords(predefinedCount);
-    for (moduleId id = 0; id < predefinedCount; ++id)
-        resetRecord(id);
+    release();
+    grow(predefinedCount);
     for (const PredefinedModule &predefined : predefinedModules) {
-        Module &module = recordAt(predefined.id).module;
+        Module &module = m_modules[static_cast<std::size_t>(predefined.id)];
         module.name = predefined.name;
         module.description = predefined.description;
     }
-    m_count.store(predefinedCount, std::memory_order_relaxed);
-    m_capacity.store(predefinedCount, std::memory_order_release);
+    m_exists.store(true, std::memory_order_release);
 }
 
 void ModuleTable::release()
 {
-    const int capacityBefore = capacity();
-    m_capacity.store(0, std::memory_order_release);
-    m_count.store(predefinedCount, std::memory_order_relaxed);
-    for (moduleId id = 0; id < capacityBefore; ++id)
-        resetRecord(id);
+    s_quickSwitches.answerBelow(0);
+    m_exists.store(false, std::memory_order_release);
+    m_modules.clear();
+    m_count = predefinedCount;
+    m_prefixWidth = 0;
 }
 
 moduleId ModuleTable::add()
 {
     if (!exists())
         return -1;
-    const moduleId id = count();
-    if (id >= capacity()) {
-        const int oldCapacity = capacity();
-        makeRecords(2 * oldCapacity);
-        for (moduleId fresh = oldCapacity; fresh < 2 * oldCapacity; ++fresh)
-            resetRecord(fresh);
-        m_capacity.store(2 * oldCapacity, std::memory_order_release);
-    }
-    m_count.store(id + 1, std::memory_order_relaxed);
-    return id;
+    if (m_count >= capacity())
+        grow(2 * capacity());
+    return m_count++;
 }
 
-void ModuleTable::rebuildPrefixes()
+void ModuleTable::grow(int capacity)
 {
-    const moduleId end = count();
+    const auto before = static_cast<moduleId>(m_modules.size());
+    m_modules.resize(static_cast<std::size_t>(capacity));
+    s_quickSwitches.makeRoom(capacity);
+    for (moduleId id = before; id < capacity; ++id)
+        switchesChanged(id);
+    publishQuickCount();
+}
+
+void ModuleTable::switchesChanged(moduleId id)
+{
+    const Module &module = m_modules[static_cast<std::size_t>(id)];
+    s_quickSwitches.set(id, module.inUse ? module.clippingLevel : QuickSwitches::notAsked, classBits(module));
+}
+
+void ModuleTable::answerQuickly(bool quickly)
+{
+    m_answersQuickly = quickly;
+    publishQuickCount();
+}
+
+void ModuleTable::publishQuickCount()
+{
+    s_quickSwitches.answerBelow(m_answersQuickly ? capacity() : 0);
+}
+
+std::size_t ModuleTable::widestNameInUse() const
+{
     std::size_t width = 0;
-    for (moduleId id = 0; id < end; ++id) {
-        if (recordAt(id).switches.inUse.load(std::memory_order_relaxed))
-            width = std::max(width, recordAt(id).module.name.size());
-    }
-    constexpr std::size_t frameSize = sizeof "<> " - 1;
-    for (moduleId id = 0; id < end; ++id) {
-        Module &module = recordAt(id).module;
-        const bool fits = module.prefix.size() == width + frameSize;
-        if (recordAt(id).switches.inUse.load(std::memory_order_relaxed) && !fits)
-            module.prefix = '<' + std::string(width - module.name.size(), ' ') + module.name + "> ";
-    }
+    for (const Module &module : m_modules)
+        width = module.inUse ? std::max(width, module.name.size()) : width;
+    return width;
 }
 
-void ModuleTable::makeRecords(int capacity)
+void ModuleTable::takeIntoUse(moduleId id)
 {
-    int records = 0;
-    for (int chunk = 0; records < capacity; ++chunk) {
-        const int size = 1 << (static_cast<int>(firstChunkBits) + chunk);
-        std::atomic<Record *> &pointer = m_chunks[static_cast<std::size_t>(chunk)];
-        if (pointer.load(std::memory_order_relaxed) == nullptr)
-            pointer.store(new Record[static_cast<std::size_t>(size)], std::memory_order_release);
-        records += size;
-    }
+    Module &module = m_modules[static_cast<std::size_t>(id)];
+    module.inUse = true;
+    switchesChanged(id);
+    refreshPrefix(module, std::max(m_prefixWidth, module.name.size()));
 }
 
-void ModuleTable::resetRecord(moduleId id)
+void ModuleTable::rename(moduleId id, const char *name)
 {
-    Record &record = recordAt(id);
-    record.switches.inUse.store(false, std::memory_order_relaxed);
-    record.switches.clippingLevel.store(0, std::memory_order_relaxed);
-    record.switches.enabledClasses.store(0, std::memory_order_relaxed);
-    record.module = Module();
-    record.module.name = "Please call setModuleDescription()";
-    record.module.description = "unnamedModule";
+    Module &module = m_modules[static_cast<std::size_t>(id)];
+    const bool wasWidest = module.name.size() == m_prefixWidth;
+    module.name = name;
+    if (module.inUse)
+        refreshPrefix(module, wasWidest ? widestNameInUse() : std::max(m_prefixWidth, module.name.size()));
+}
+
+/// Only a new width concerns the other modules.
+void ModuleTable::refreshPrefix(Module &module, std::size_t width)
+{
+    if (width == m_prefixWidth) {
+        setPrefix(module, width);
+        return;
+    }
+    m_prefixWidth = width;
+    for (Module &each : m_modules) {
+        if (each.inUse)
+            setPrefix(each, width);
+    }
 }
 
 } // namespace Zorvan

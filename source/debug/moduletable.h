@@ -1,13 +1,13 @@
 #pragma once
 
 #include "debug/descriptions.h"
+#include "debug/quickswitches.h"
 #include "platform/lock.h"
 
 #include <zorvan/debug.h>
 
-#include <array>
 #include <atomic>
-#include <cstdint>
+#include <deque>
 #include <map>
 #include <string>
 
@@ -21,57 +21,48 @@ struct DebugClass
     bool enabled = true;
 };
 
-/// What isActive() reads, from any thread and without a lock; written with the table locked.
-struct ModuleSwitches
-{
-    std::atomic<bool> inUse{false};               ///< somebody asked about the module: it has a prefix
-    std::atomic<int> clippingLevel{0};            ///< highest level let through
-    std::atomic<std::uint64_t> enabledClasses{0}; ///< bit n: class n is enabled; classes 0 to 63
-};
-
-/// The rest of a module, guarded by the table's lock.
+/// One module. All of it is guarded by the table's lock.
 struct Module
 {
-    std::string name;
+    bool inUse = false; ///< somebody asked about the module: it has a prefix
+    int clippingLevel = 0; ///< highest level let through
+    std::string name = "Please call setModuleDescription()";
     std::string prefix; ///< "<", padding, name, "> "; empty until the module is in use
-    std::string description;
+    std::string description = "unnamedModule";
     const Descriptions *levels = Descriptions::none();
     const Descriptions *classes = Descriptions::none();
     std::map<int, DebugClass> classStates; ///< by class; -1 and -2 can occur and are no classes
     OutputReceiver receiver = nullptr;
+
+    [[nodiscard]] bool hasEnabledClass() const;
+    [[nodiscard]] bool isClassEnabled(int cls) const;
 };
 
-/// All modules by their ids.
+/// All modules by their ids, and what isActive() may read of them without the lock.
 ///
-/// Records live in chunks that never move and are never freed before the process ends, so that a reader without the
-/// lock at worst sees values from a moment ago: growing and releasing the table is safe while other threads print.
-/// The table itself is constant-initialised and never destroyed: static objects of the host may use it.
-///
-/// The lock is recursive, and it is held while the host's callbacks run. Keep no Module across such a call: the
-/// callback may reset the table. Look it up again.
+/// The lock is recursive, and it is held while the host's callbacks run. Keep no Module across such a call:
+/// the callback may reset the table. Look it up again.
 class ModuleTable
 {
 public:
     static constexpr int predefinedCount = 27;
 
-    /// The one table of the process. Inline: every message asks.
-    static ModuleTable &instance() { return s_instance; }
-
-    ModuleTable(const ModuleTable &) = delete;
-    ModuleTable &operator=(const ModuleTable &) = delete;
+    /// What isActive() asks first. Inline and constant-initialised: every message asks.
+    static QuickSwitches &quickSwitches() { return s_quickSwitches; }
 
     platform::RecursiveLock &lock() ZORVAN_RETURN_CAPABILITY(m_lock) { return m_lock; }
 
     /// Whether there is a table. Without the lock the answer may be old at once.
-    [[nodiscard]] bool exists() const { return capacity() > 0; }
+    [[nodiscard]] bool exists() const { return m_exists.load(std::memory_order_acquire); }
     /// Ids below it have a record, ids at or above it are unknown. 0 without a table.
-    [[nodiscard]] int capacity() const { return m_capacity.load(std::memory_order_acquire); }
+    [[nodiscard]] int capacity() const ZORVAN_REQUIRES(m_lock) { return static_cast<int>(m_modules.size()); }
     /// Ids below it were handed out.
-    [[nodiscard]] int count() const { return m_count.load(std::memory_order_relaxed); }
+    [[nodiscard]] int count() const ZORVAN_REQUIRES(m_lock) { return m_count; }
     /// Null for an unknown id.
-    [[nodiscard]] ModuleSwitches *switches(moduleId id)
+    [[nodiscard]] Module *find(moduleId id) ZORVAN_REQUIRES(m_lock)
     {
-        return static_cast<unsigned>(id) < static_cast<unsigned>(capacity()) ? &recordAt(id).switches : nullptr;
+        const auto index = static_cast<unsigned>(id);
+        return index < m_modules.size() ? &m_modules[index] : nullptr;
     }
 
     /// Builds the table with its predefined modules; what was there before is reset.
@@ -79,46 +70,35 @@ public:
     void release() ZORVAN_REQUIRES(m_lock);
     /// Takes the next id, doubling the capacity when needed; -1 without a table.
     moduleId add() ZORVAN_REQUIRES(m_lock);
-    /// Null for an unknown id.
-    Module *find(moduleId id) ZORVAN_REQUIRES(m_lock)
-    {
-        return switches(id) ? &recordAt(id).module : nullptr;
-    }
-    /// Gives every module in use its prefix, padded to the longest name in use.
-    void rebuildPrefixes() ZORVAN_REQUIRES(m_lock);
+
+    /// Gives the module a prefix; all prefixes are padded to the longest name in use.
+    void takeIntoUse(moduleId id) ZORVAN_REQUIRES(m_lock);
+    void rename(moduleId id, const char *name) ZORVAN_REQUIRES(m_lock);
+    /// Call after a change of a module's clippingLevel or classStates.
+    void switchesChanged(moduleId id) ZORVAN_REQUIRES(m_lock);
+    /// Whether isActive() may be answered from the switches of the modules alone.
+    void answerQuickly(bool quickly) ZORVAN_REQUIRES(m_lock);
 
 private:
-    static ModuleTable s_instance;
+    static QuickSwitches s_quickSwitches;
 
-    constexpr ModuleTable() = default;
+    void grow(int capacity) ZORVAN_REQUIRES(m_lock);
+    [[nodiscard]] std::size_t widestNameInUse() const ZORVAN_REQUIRES(m_lock);
+    void refreshPrefix(Module &module, std::size_t width) ZORVAN_REQUIRES(m_lock);
+    void publishQuickCount() ZORVAN_REQUIRES(m_lock);
 
-    struct alignas(64) Record
-    {
-        ModuleSwitches switches;
-        Module module;
-    };
-    static constexpr unsigned firstChunkBits = 5; // 32 records; each further chunk is twice as large
-    static constexpr int chunkCount = 26;         // room for every positive id
-
-    Record &recordAt(moduleId id)
-    {
-        const unsigned index = static_cast<unsigned>(id) + (1U << firstChunkBits);
-        const unsigned highestBit = 31U - static_cast<unsigned>(__builtin_clz(index));
-        return m_chunks[highestBit - firstChunkBits].load(std::memory_order_relaxed)[index - (1U << highestBit)];
-    }
-    void makeRecords(int capacity) ZORVAN_REQUIRES(m_lock);
-    void resetRecord(moduleId id) ZORVAN_REQUIRES(m_lock);
-
-    // Read by every isActive(): away from the cache line that a waiting or printing thread keeps changing.
-    alignas(64) std::atomic<int> m_capacity{0};
-    std::atomic<int> m_count{predefinedCount};
-    std::array<std::atomic<Record *>, chunkCount> m_chunks{};
-    alignas(64) platform::RecursiveLock m_lock;
+    platform::RecursiveLock m_lock;
+    std::atomic<bool> m_exists{false};
+    std::deque<Module> m_modules ZORVAN_GUARDED_BY(m_lock); // its size is the capacity
+    int m_count ZORVAN_GUARDED_BY(m_lock) = predefinedCount;
+    std::size_t m_prefixWidth ZORVAN_GUARDED_BY(m_lock) = 0;
+    bool m_answersQuickly ZORVAN_GUARDED_BY(m_lock) = false;
 };
 
-inline ModuleTable &moduleTable()
-{
-    return ModuleTable::instance();
-}
+/// The one table of the process, never destroyed: static objects of the host may print.
+ModuleTable &moduleTable();
+
+/// Builds the table anew with its predefined modules; they have no classes and levels yet.
+void checkConfig();
 
 } // namespace Zorvan

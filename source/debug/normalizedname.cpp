@@ -4,7 +4,7 @@
 
 namespace Zorvan {
 
-QString normalizedName(QString description)
+QString getNormalizedName(QString description)
 {
     const auto isFraming = [](QChar c) { return c == u':' || c == u',' || c == u'<' || c == u'>'; };
     const auto end = std::remove_if(description.begin(), description.end(), isFraming);

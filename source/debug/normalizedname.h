@@ -7,7 +7,7 @@
 namespace Zorvan {
 
 /// A description without ':', ',', '<', '>' and outer white space: "<       Error>: " becomes "Error".
-[[nodiscard]] QString normalizedName(QString description);
+[[nodiscard]] QString getNormalizedName(QString description);
 
 /// Latin-1 bytes as a text.
 [[nodiscard]] inline QString fromLatin1(std::string_view bytes)

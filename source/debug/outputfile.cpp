@@ -8,6 +8,8 @@
 #include <QFileInfo>
 #include <QStorageInfo>
 
+#include <optional>
+
 namespace Zorvan {
 
 namespace {
@@ -16,14 +18,16 @@ constexpr qint64 fallbackMaximum = 10'000'000;
 constexpr int fallbackMaximumMegabytes = 9; // as the message has always said
 constexpr qint64 bytesPerMegabyte = 1'048'576;
 
-/// Half of what the caller may still write to the disk that holds \a fileName; 0 if that is unknown.
-qint64 halfOfFreeSpace(const QString &fileName)
+/// Half of what the caller may still write to the disk that holds \a fileName, if the system knows.
+std::optional<qint64> halfOfFreeSpace(const QString &fileName)
 {
     QDir folder = QFileInfo(fileName).absoluteDir();
     while (!folder.exists() && !folder.isRoot())
         folder.setPath(QFileInfo(folder.path()).path());
     const QStorageInfo disk(folder);
-    return disk.isValid() && disk.bytesTotal() > 0 ? disk.bytesAvailable() / 2 : 0;
+    if (!disk.isValid() || disk.bytesTotal() <= 0)
+        return std::nullopt;
+    return disk.bytesAvailable() / 2;
 }
 
 } // namespace
@@ -52,6 +56,7 @@ void OutputFile::setMaximumSize(qint64 bytes)
     const platform::Locked guard(m_lock);
     m_maximum = bytes;
     m_effectiveMaximum = notDerived;
+    m_nothingPending.store(false, std::memory_order_relaxed);
 }
 
 qint64 OutputFile::maximumSize() const
@@ -64,17 +69,21 @@ void OutputFile::beginRun()
 {
     const platform::Locked guard(m_lock);
     m_firstWritePending = true;
+    m_nothingPending.store(false, std::memory_order_relaxed);
 }
 
 void OutputFile::append(std::string &line, Writing writing)
 {
+    if (writing == Writing::Off && m_nothingPending.load(std::memory_order_relaxed))
+        return;
     const platform::Locked guard(m_lock);
     const bool beginsRun = m_firstWritePending;
     m_firstWritePending = false;
     if (beginsRun && writing == Writing::On)
-        discard();
+        platform::discardFile(m_path.c_str());
     if (m_effectiveMaximum == notDerived)
         deriveMaximum();
+    m_nothingPending.store(true, std::memory_order_relaxed);
     if (writing == Writing::Off)
         return;
     line += "\r\n";
@@ -86,11 +95,14 @@ void OutputFile::deriveMaximum()
 {
     m_effectiveMaximum = m_maximum;
     if (m_effectiveMaximum <= 0) {
-        // Asking for the disk goes through Qt, which may print: the answer until then keeps that from coming back.
+        // Asking for the disk goes through Qt, which may print: the answer until then keeps that from coming
+        // back.
         m_effectiveMaximum = fallbackMaximum;
-        m_effectiveMaximum = halfOfFreeSpace(m_name);
-        gyxLog(nullptr, 0, "Debug::println() found maximum allowed output file size of %d MBytes\n",
-               static_cast<int>(m_effectiveMaximum / bytesPerMegabyte));
+        const std::optional<qint64> half = halfOfFreeSpace(m_name);
+        m_effectiveMaximum = half.value_or(0);
+        if (half)
+            gyxLog(nullptr, 0, "Debug::println() found maximum allowed output file size of %d MBytes\n",
+                   static_cast<int>(*half / bytesPerMegabyte));
     }
     if (m_effectiveMaximum <= 0) {
         m_effectiveMaximum = fallbackMaximum;
@@ -110,16 +122,8 @@ void OutputFile::write(const std::string &bytes)
             return;
         }
     }
-    discard();
+    platform::discardFile(m_path.c_str());
     platform::AppendFile(m_path.c_str()).write(bytes);
-}
-
-/// Deletes the file; where that is not possible (a link, a folder without the right to delete) it is emptied.
-void OutputFile::discard()
-{
-    const char *const path = m_path.c_str();
-    if (platform::fileExists(path) && !platform::removeRegularFile(path))
-        platform::AppendFile(path).truncate();
 }
 
 } // namespace Zorvan

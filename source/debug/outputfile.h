@@ -4,15 +4,17 @@
 
 #include <QString>
 
+#include <atomic>
 #include <string>
 
 namespace Zorvan {
 
-/// The output file: opened and closed for every line, so that others can read, move or delete it at any time and a
-/// crash loses nothing. Started anew by the first line of a run and whenever it has grown beyond its maximum.
+/// The output file: opened and closed for every line, so that others can read, move or delete it at any time
+/// and a crash loses nothing. Started anew by the first line of a run and whenever it has grown beyond its
+/// maximum.
 ///
-/// Any thread; a caller that also takes the module table's lock takes that first. A line that cannot be written is
-/// lost to the file without a word.
+/// Callers hold the module table's lock, which also keeps this one free while the process forks. A line that
+/// cannot be written is lost to the file without a word.
 class OutputFile
 {
 public:
@@ -27,15 +29,16 @@ public:
     void setMaximumSize(qint64 bytes) ZORVAN_EXCLUDES(m_lock);
     /// As it was set.
     [[nodiscard]] qint64 maximumSize() const ZORVAN_EXCLUDES(m_lock);
-    /// The next line begins a new run. With writing off it only marks the run as begun: the old file is kept then.
+    /// The next line begins a new run. With writing off it only marks the run as begun: the old file is kept
+    /// then.
     void beginRun() ZORVAN_EXCLUDES(m_lock);
-    /// Writes \a line (Latin-1, no line end) and CR LF. The line gets its end in place and is returned as it was.
+    /// Writes \a line (Latin-1, no line end) and CR LF. The line gets its end in place and is returned as it
+    /// was.
     void append(std::string &line, Writing writing) ZORVAN_EXCLUDES(m_lock);
 
 private:
     void deriveMaximum() ZORVAN_REQUIRES(m_lock);
     void write(const std::string &bytes) ZORVAN_REQUIRES(m_lock);
-    void discard() ZORVAN_REQUIRES(m_lock);
 
     static constexpr qint64 notDerived = -1;
 
@@ -45,6 +48,7 @@ private:
     qint64 m_maximum ZORVAN_GUARDED_BY(m_lock) = notDerived;
     qint64 m_effectiveMaximum ZORVAN_GUARDED_BY(m_lock) = notDerived;
     bool m_firstWritePending ZORVAN_GUARDED_BY(m_lock) = true;
+    std::atomic<bool> m_nothingPending{false}; // neither the first write nor the maximum: lines may pass by
 };
 
 /// The one output file of the process.

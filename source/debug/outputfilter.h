@@ -8,8 +8,8 @@
 
 namespace Zorvan {
 
-/// Decides by the text of a finished line whether it is printed. Not for two threads at once: even matching changes
-/// the regular expression.
+/// Decides by the text of a finished line whether it is printed. Not for two threads at once: even matching
+/// changes the regular expression.
 class OutputFilter
 {
 public:

@@ -7,29 +7,35 @@ namespace Zorvan {
 
 namespace {
 
-/// The switches that every isActive() reads, alone on their cache line.
-struct alignas(64) Gate
+/// What has to be asked before the switches of the modules. Written with the module table locked.
+struct Gate
 {
-    static constexpr unsigned anyActive = 1;    ///< some module can print
+    static constexpr unsigned anyActive = 1; ///< some module can print
     static constexpr unsigned smokeTestOff = 2; ///< the setting was read, and it is not smoke-test mode
+    static constexpr unsigned starting = 4; ///< the modules are being described: answers have to wait
     static constexpr unsigned open = anyActive | smokeTestOff;
 
     std::atomic<unsigned> bits{anyActive};
-    std::atomic<bool> outputEnabled{true};
+    std::atomic<bool> enabled{true}; ///< as the last setupOutputEnabled() said
 
-    void set(unsigned mask, bool on)
-    {
-        if (on)
-            bits.fetch_or(mask, std::memory_order_relaxed);
-        else
-            bits.fetch_and(~mask, std::memory_order_relaxed);
-    }
-    [[nodiscard]] unsigned load() const { return bits.load(std::memory_order_relaxed); }
+    [[nodiscard]] bool has(unsigned mask) const { return (bits.load(std::memory_order_relaxed) & mask) != 0; }
 };
 
 Gate s_gate;
 
-/// The mode in which only critical messages pass. Read from the host's settings at the first question, never again.
+/// Only while the gate is open can the switches of the modules answer for themselves.
+void changeGate(unsigned mask, bool on)
+{
+    ModuleTable &table = moduleTable();
+    const platform::Locked guard(table.lock());
+    const unsigned old = s_gate.bits.load(std::memory_order_relaxed);
+    const unsigned bits = on ? old | mask : old & ~mask;
+    s_gate.bits.store(bits, std::memory_order_relaxed);
+    table.answerQuickly(bits == Gate::open);
+}
+
+/// The mode in which only critical messages pass. Read from the host's settings at the first question, never
+/// again.
 class SmokeTest
 {
 public:
@@ -37,7 +43,7 @@ public:
     {
         // The answer counts as "off" while the host looks it up: its reader may print.
         State expected = State::Unread;
-        if (m_state.compare_exchange_strong(expected, State::Reading)) {
+        if (m_state.load() == State::Unread && m_state.compare_exchange_strong(expected, State::Reading)) {
             const bool on = host::readInteger(QStringLiteral("doingSmokeTest"), 0) == 1;
             m_state.store(on ? State::On : State::Off);
         }
@@ -62,138 +68,114 @@ SmokeTest s_smokeTestOfActiveLevel; // getActiveLevel() reads the setting for it
 bool isSmokeTest()
 {
     const bool on = s_smokeTest.isOn();
-    if (s_smokeTest.isSettledOff())
-        s_gate.set(Gate::smokeTestOff, true);
+    if (s_smokeTest.isSettledOff() && !s_gate.has(Gate::smokeTestOff))
+        changeGate(Gate::smokeTestOff, true);
     return on;
-}
-
-bool hasEnabledClass(const Module &module)
-{
-    for (auto state = module.classStates.lower_bound(0); state != module.classStates.end(); ++state) {
-        if (state->second.enabled)
-            return true;
-    }
-    return false;
 }
 
 bool anyModuleActive(ModuleTable &table) ZORVAN_REQUIRES(table.lock())
 {
     for (moduleId id = 0; id < table.count(); ++id) {
         const Module *const module = table.find(id);
-        if (module && table.switches(id)->clippingLevel.load(std::memory_order_relaxed) >= 0
-            && hasEnabledClass(*module))
+        if (module->clippingLevel >= 0 && module->hasEnabledClass())
             return true;
     }
     return false;
 }
 
-bool isClassEnabled(moduleId id, const ModuleSwitches &switches, int cls)
+void waitForStart()
 {
-    if (static_cast<unsigned>(cls) < 64)
-        return (switches.enabledClasses.load(std::memory_order_relaxed) >> cls & 1U) != 0;
+    if (s_gate.has(Gate::starting))
+        const platform::Locked wait(moduleTable().lock()); // held by the starting thread, which passes itself
+}
+
+/// Gives the module a prefix if it has none. False if there is no such module.
+bool askedAbout(moduleId id)
+{
     ModuleTable &table = moduleTable();
     const platform::Locked guard(table.lock());
     const Module *const module = table.find(id);
     if (module == nullptr)
         return false;
-    const auto state = module->classStates.find(cls);
-    return state != module->classStates.end() && state->second.enabled;
+    if (module->inUse || id >= table.count()) // an id not handed out yet is left for a later module
+        return true;
+    table.takeIntoUse(id);
+    guibridge::requestRebuild();
+    return true;
 }
 
 /// Levels above the clipping level never pass, level 0 passes whatever its class.
-bool passesModule(moduleId id, const ModuleSwitches &switches, int level, int cls)
-{
-    if (level > switches.clippingLevel.load(std::memory_order_relaxed))
-        return false;
-    return level == 0 || isClassEnabled(id, switches, cls);
-}
-
-/// isActive() without a table, for the first question about a module, and in smoke-test mode.
-bool isActiveAtLength(moduleId id, int level, int cls)
+bool passes(moduleId id, int level, int cls)
 {
     ModuleTable &table = moduleTable();
-    const ModuleSwitches *const switches = table.switches(id);
-    if (switches == nullptr)
+    const platform::Locked guard(table.lock());
+    const Module *const module = table.find(id);
+    if (module == nullptr)
         return !table.exists();
-    markInUse(id);
-    return isSmokeTest() ? level == 0 : passesModule(id, *switches, level, cls);
+    return level <= module->clippingLevel && (level == 0 || module->isClassEnabled(cls));
+}
+
+/// What the switches of the modules cannot answer alone: no table, a start under way, the first question
+/// about a module, smoke-test mode, classes from 64 on.
+[[gnu::noinline]] bool isActiveAtLength(moduleId id, int level, int cls)
+{
+    waitForStart();
+    if (!s_gate.has(Gate::anyActive))
+        return false;
+    if (!askedAbout(id))
+        return !moduleTable().exists();
+    return isSmokeTest() ? level == 0 : passes(id, level, cls);
 }
 
 } // namespace
 
-void markInUse(moduleId id)
-{
-    ModuleTable &table = moduleTable();
-    ModuleSwitches *const switches = table.switches(id);
-    if (switches == nullptr || switches->inUse.load(std::memory_order_relaxed))
-        return;
-    const platform::Locked guard(table.lock());
-    if (id >= table.count() || table.switches(id) == nullptr)
-        return; // a later module will take the id
-    switches->inUse.store(true, std::memory_order_relaxed);
-    table.rebuildPrefixes();
-    guibridge::requestRebuild();
-}
-
-void setOutputEnabled(bool enable)
+void setupOutputEnabled(bool enable)
 {
     ModuleTable &table = moduleTable();
     const platform::Locked guard(table.lock());
-    s_gate.outputEnabled.store(enable, std::memory_order_relaxed);
-    // Stored once, not cleared first: other threads ask meanwhile.
+    s_gate.enabled.store(enable, std::memory_order_relaxed);
+    // Found out first and stored once: other threads ask meanwhile.
     const bool active = enable && (!table.exists() || anyModuleActive(table));
-    s_gate.set(Gate::anyActive, active);
-    if (!active)
-        return;
-    table.rebuildPrefixes();
-    guibridge::requestRebuild();
+    changeGate(Gate::anyActive, active);
+    if (active)
+        guibridge::requestRebuild();
 }
 
-bool isOutputEnabled()
+bool outputEnabled()
 {
-    return s_gate.outputEnabled.load(std::memory_order_relaxed);
+    return s_gate.enabled.load(std::memory_order_relaxed);
 }
 
-void resetOutputGate()
+StartScope::StartScope()
+    : m_guard(moduleTable().lock())
 {
-    s_gate.outputEnabled.store(true, std::memory_order_relaxed);
-    s_gate.set(Gate::anyActive, true);
+    changeGate(Gate::starting, true);
+}
+
+StartScope::~StartScope()
+{
+    changeGate(Gate::starting, false);
 }
 
 bool Debug::isActive(moduleId module, int level, int cls)
 {
-    const unsigned gate = s_gate.load();
-    if ((gate & Gate::anyActive) == 0)
-        return false;
-    const ModuleSwitches *const switches = moduleTable().switches(module);
-    if (gate != Gate::open || switches == nullptr || !switches->inUse.load(std::memory_order_relaxed))
-        return isActiveAtLength(module, level, cls);
-    return passesModule(module, *switches, level, cls);
+    return ModuleTable::quickSwitches().isActive(module, level, cls,
+                                                 [=] { return isActiveAtLength(module, level, cls); });
 }
 
-int Debug::getActiveLevel(moduleId module, int cls)
+int Debug::getActiveLevel(moduleId id, int cls)
 {
-    if ((s_gate.load() & Gate::anyActive) == 0)
+    waitForStart();
+    if (!s_gate.has(Gate::anyActive))
         return 0;
-    ModuleTable &table = moduleTable();
-    const ModuleSwitches *const switches = table.switches(module);
-    if (switches == nullptr)
-        return table.exists() ? -1 : 1;
-    markInUse(module);
+    if (!askedAbout(id))
+        return moduleTable().exists() ? -1 : 1;
     if (s_smokeTestOfActiveLevel.isOn())
         return 0;
-    const int level = switches->clippingLevel.load(std::memory_order_relaxed);
-    return level >= 0 && isClassEnabled(module, *switches, cls) ? level : -1;
-}
-
-void Debug::setupOutputEnabled(bool enable)
-{
-    setOutputEnabled(enable);
-}
-
-bool Debug::outputEnabled()
-{
-    return isOutputEnabled();
+    ModuleTable &table = moduleTable();
+    const platform::Locked guard(table.lock());
+    const Module *const module = table.find(id);
+    return module && module->clippingLevel >= 0 && module->isClassEnabled(cls) ? module->clippingLevel : -1;
 }
 
 } // namespace Zorvan

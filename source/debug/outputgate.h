@@ -6,16 +6,23 @@
 
 namespace Zorvan {
 
-/// Notes that somebody asked about a module: from now on it has a prefix in the line header. Unknown ids and ids that
-/// were not handed out yet are left alone.
-void markInUse(moduleId module);
+/// Finds out whether any module can print. \a enable is remembered as the output-enabled flag; without it
+/// nothing prints until the next call with true.
+void setupOutputEnabled(bool enable);
+[[nodiscard]] bool outputEnabled();
 
-/// Finds out whether any module can print. \a enable is remembered as the output-enabled flag; without it nothing
-/// prints until the next call with true.
-void setOutputEnabled(bool enable);
-[[nodiscard]] bool isOutputEnabled();
+/// The time in which the start builds and describes the modules one by one, with the table locked. Questions
+/// of other threads wait for its end: half-described modules would refuse their messages.
+class StartScope
+{
+public:
+    StartScope();
+    ~StartScope();
+    StartScope(const StartScope &) = delete;
+    StartScope &operator=(const StartScope &) = delete;
 
-/// Back to the state at load: everything may print.
-void resetOutputGate();
+private:
+    platform::Locked<platform::RecursiveLock> m_guard;
+};
 
 } // namespace Zorvan

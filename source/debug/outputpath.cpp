@@ -8,6 +8,7 @@
 #include "debug/outputfilter.h"
 #include "debugserverqueue/guibridge.h"
 #include "host/hosthandlers.h"
+#include "platform/errornumber.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -28,6 +29,7 @@ struct OutputPath
 {
     OutputFilter filter;
     std::string spareLine; ///< the buffer of the last line, so that most lines allocate nothing
+    QString spareText; ///< the same for the line tap
     int callbackDepth = 0; ///< host callbacks running inside each other
 };
 
@@ -84,8 +86,10 @@ void appendLatin1(std::string &bytes, QStringView text)
 {
     const std::size_t start = bytes.size();
     bytes.resize(start + static_cast<std::size_t>(text.size()));
-    std::transform(text.begin(), text.end(), bytes.begin() + static_cast<std::ptrdiff_t>(start),
-                   [](QChar c) { return c.unicode() < 256 ? static_cast<char>(c.unicode()) : '?'; });
+    const char16_t *const from = text.utf16();
+    char *const to = bytes.data() + start;
+    for (qsizetype i = 0; i < text.size(); ++i)
+        to[i] = from[i] < 256 ? static_cast<char>(from[i]) : '?';
 }
 
 /// There is no table: the text is the format of a message in the system log.
@@ -107,6 +111,18 @@ void callReceiver(OutputReceiver receiver, moduleId module, int cls, int level, 
     receiver(&data);
 }
 
+/// The tap sees the line as Latin-1 has left it. The text of the last call is used again unless the host kept
+/// it.
+void callLineTap(OutputPath &path, IUtilityInterface &tap, const std::string &line)
+{
+    QString text = std::move(path.spareText);
+    text.resize(static_cast<int>(line.size()));
+    std::transform(line.begin(), line.end(), text.begin(), [](char c) { return QLatin1Char(c); });
+    tap.outputLine(text);
+    if (line.size() <= largestSpareBuffer)
+        path.spareText = std::move(text);
+}
+
 void writeStandardOutput(std::string &line)
 {
     line += '\n';
@@ -121,8 +137,8 @@ OutputReceiver receiverOf(moduleId id) ZORVAN_REQUIRES(moduleTable().lock())
     return module ? module->receiver : nullptr;
 }
 
-/// The sinks behind the filters: the file always; then the module's receiver, or the line tap and the standard
-/// output.
+/// The sinks behind the filters: the file always; then the module's receiver, or the line tap and the
+/// standard output.
 void deliver(OutputPath &path, moduleId module, int cls, int level, std::string &line)
     ZORVAN_REQUIRES(moduleTable().lock())
 {
@@ -136,18 +152,23 @@ void deliver(OutputPath &path, moduleId module, int cls, int level, std::string 
         return;
     }
     if (IUtilityInterface *const tap = host::utilityHandler())
-        tap->outputLine(fromLatin1(line));
-    if (!guibridge::ensureQueue())
+        callLineTap(path, *tap, line);
+    if (!guibridge::usingQt())
         writeStandardOutput(line);
 }
 
 /// Header, text, filters, sinks.
-void printLine(moduleId module, int cls, QStringView text, int level) ZORVAN_REQUIRES(moduleTable().lock())
+void printOneLine(moduleId module, int cls, QStringView text, int level) ZORVAN_REQUIRES(moduleTable().lock())
 {
     OutputPath &path = outputPath();
     LineBuffer line(path);
     const unsigned flags = displayflags::word();
-    appendLineHeader(line.bytes, module, cls, level, flags);
+    {
+        const CallbackScope scope(path);
+        const bool tooDeep = path.callbackDepth > deepestCallback;
+        appendLineHeader(line.bytes, module, cls, level, flags,
+                         tooDeep ? HostCalls::Forbidden : HostCalls::Allowed);
+    }
     if (path.filter.isActive()) {
         const QString whole = fromLatin1(line.bytes) + text.toString();
         if (!path.filter.passes(whole, displayflags::has(flags, displayflags::moduleName)))
@@ -157,19 +178,20 @@ void printLine(moduleId module, int cls, QStringView text, int level) ZORVAN_REQ
     deliver(path, module, cls, level, line.bytes);
 }
 
-/// Prints a message line by line. What it returns could not be printed: the library has stopped, perhaps in the middle
-/// of the message.
+/// Prints a message line by line. What it returns could not be printed: the library has stopped, perhaps in
+/// the middle of the message.
 std::optional<QStringView> printMessage(moduleId module, int cls, QStringView text, int level)
 {
+    const platform::ErrorNumberKept kept;
     ModuleTable &table = moduleTable();
     const platform::Locked guard(table.lock()); // the lines of a message stay together
     while (table.exists()) {
         const qsizetype end = text.indexOf(u'\n');
         if (end < 0) {
-            printLine(module, cls, text, level);
+            printOneLine(module, cls, text, level);
             return std::nullopt;
         }
-        printLine(module, cls, text.left(end), level);
+        printOneLine(module, cls, text.left(end), level);
         text = text.mid(end + 1);
         if (text.isEmpty())
             return std::nullopt; // a line feed at the end begins no line
@@ -177,27 +199,27 @@ std::optional<QStringView> printMessage(moduleId module, int cls, QStringView te
     return text;
 }
 
-} // namespace
-
-void Debug::println(moduleId module, int cls, const QString &text, int level, int /*reserved*/, const char *file,
-                    int line)
+/// println() for messages that the switches of their module do not refuse at once.
+[[gnu::noinline]] void printUnlessRefused(moduleId module, int cls, const QString &text, int level,
+                                          const char *file, int line)
 {
     if (!moduleTable().exists()) {
         logText(text, file, line);
         return;
     }
-    if (!isActive(module, level, cls))
+    if (!Debug::isActive(module, level, cls))
         return;
     if (const std::optional<QStringView> rest = printMessage(module, cls, text, level))
         logText(*rest, file, line);
 }
 
-void Debug::printOneLine(moduleId module, int cls, const QString &line, int level, int /*reserved*/,
-                         const char * /*file*/, int /*sourceLine*/)
+} // namespace
+
+void Debug::println(moduleId module, int cls, const QString &text, int level, int /*reserved*/,
+                    const char *file, int line)
 {
-    ModuleTable &table = moduleTable();
-    const platform::Locked guard(table.lock());
-    printLine(module, cls, line, level);
+    if (ModuleTable::quickSwitches().isActive(module, level, cls, [] { return true; }))
+        printUnlessRefused(module, cls, text, level, file, line);
 }
 
 void Debug::printFormattedString(moduleId module, int cls, int level, const QString &text)

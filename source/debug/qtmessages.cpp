@@ -5,8 +5,6 @@
 
 #include <QMessageLogContext>
 
-#include <atomic>
-
 namespace Zorvan {
 
 namespace {
@@ -23,7 +21,6 @@ public:
     void replaceBy(QtMessageHandler handler);
 
 private:
-    std::atomic<bool> m_known{false};
     QtMessageHandler m_handler = nullptr;
 };
 
@@ -69,12 +66,11 @@ void PreviousHandler::replaceBy(QtMessageHandler handler)
     if (replaced == handler)
         return; // a later start of the library
     m_handler = replaced;
-    m_known = true;
 }
 
 PreviousHandler::~PreviousHandler()
 {
-    if (!m_known)
+    if (m_handler == nullptr)
         return;
     const QtMessageHandler replaced = qInstallMessageHandler(m_handler);
     if (replaced != handleQtMessage)

@@ -22,7 +22,8 @@ struct FlagSetting
     Flag flag;
 };
 
-/// Flags that a stored "on" switches on at the start; the module name is read before them and goes off otherwise.
+/// Flags that a stored "on" switches on at the start; the module name is read before them and goes off
+/// otherwise.
 constexpr FlagSetting startFlags[] = {
     {"DebugServerFileOutput", Flag::fileOutput},
     {"DebugServerThrowAssert", Flag::throwAssertion},
@@ -46,7 +47,9 @@ constexpr QLatin1String disableOutputWord("disableOutput");
 
 bool isSwitchedOn(const char *key)
 {
-    return host::readString(QLatin1String(key), QStringLiteral("Off")).toLower().contains(QLatin1String("on"));
+    return host::readString(QLatin1String(key), QStringLiteral("Off"))
+        .toLower()
+        .contains(QLatin1String("on"));
 }
 
 QString storedFileName()
@@ -56,6 +59,13 @@ QString storedFileName()
     if (!QDir::isRelativePath(name))
         return name;
     return QString::fromStdString(platform::programDataFolder()) + QLatin1Char('/') + name;
+}
+
+void setOutputFile(const QString &name)
+{
+    ModuleTable &table = moduleTable();
+    const platform::Locked guard(table.lock());
+    outputFile().setName(name);
 }
 
 void storeIfChanged(const QString &key, const QString &defaultValue, const QString &current)
@@ -69,8 +79,8 @@ void storeIfChanged(const QString &key, const QString &defaultValue, const QStri
 void readStartSettings()
 {
     platform::makeProgramDataFolder();
-    outputFile().setName(storedFileName());
-    outputFile().setMaximumSize(host::readInteger(QStringLiteral("DebugServerFileSize"), -1));
+    setOutputFile(storedFileName());
+    Debug::setMaxOutputFileSize(host::readInteger(QStringLiteral("DebugServerFileSize"), -1));
     displayflags::change(Flag::moduleName, isSwitchedOn("DebugServerShowModule"));
     for (const FlagSetting &setting : startFlags) {
         if (isSwitchedOn(setting.key))
@@ -101,24 +111,15 @@ QString Debug::getEnabledSettings()
 void Debug::makeCurrentSettingsDefault(moduleId id)
 {
     ModuleTable &table = moduleTable();
-    const ModuleSwitches *const switches = table.switches(id);
-    if (switches == nullptr || !switches->inUse.load(std::memory_order_relaxed))
+    const platform::Locked guard(table.lock());
+    const Module *const module = table.find(id);
+    if (module == nullptr || !module->inUse)
         return;
-    QString description;
-    {
-        const platform::Locked guard(table.lock());
-        if (const Module *const module = table.find(id))
-            description = fromLatin1(module->description);
-    }
+    const QString description = fromLatin1(module->description);
     const QString level = getEnabledMessageLevel(id);
     const QString classes = getEnabledMessageClasses(id);
     storeIfChanged(description + QLatin1String("DebugClasses"), QStringLiteral("all"), classes);
     storeIfChanged(description + QLatin1String("DebugLevel"), QStringLiteral("critical"), level);
-}
-
-void Debug::makeDefault()
-{
-    // The settings of a debug window: there is none without a road into the GUI thread.
 }
 
 } // namespace Zorvan

@@ -21,7 +21,7 @@ bool qtApplicationRuns()
         && !QCoreApplication::closingDown();
 }
 
-bool ensureQueue()
+bool usingQt()
 {
     return false;
 }
@@ -31,9 +31,9 @@ bool queueExists()
     return false;
 }
 
-void requestRebuild() { }
+void requestRebuild() {}
 
-void requestRedraw() { }
+void requestRedraw() {}
 
 void setEventLoopRunning(bool running)
 {

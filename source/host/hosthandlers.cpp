@@ -30,6 +30,11 @@ void setThreadHandler(IThraedInterface *handler)
     s_thread.store(handler);
 }
 
+IThraedInterface *threadHandler()
+{
+    return s_thread.load();
+}
+
 void setKeyHandler(IKeyInterface *handler)
 {
     s_key.store(handler);
@@ -72,17 +77,6 @@ CounterReading readCounter()
 {
     IUtilityInterface *const handler = s_utility.load();
     return handler ? CounterReading{handler->readCounter(), handler->counterFrequency()} : CounterReading{};
-}
-
-bool hasThreadHandler()
-{
-    return s_thread.load() != nullptr;
-}
-
-const char *threadName()
-{
-    IThraedInterface *const handler = s_thread.load();
-    return handler ? handler->threadName() : nullptr;
 }
 
 } // namespace Zorvan::host

@@ -2,8 +2,9 @@
 
 /// What the host handed in, and the settings, clock and line tap reached through it.
 ///
-/// Any thread. Each function reads the handler once, so that replacing a handler meanwhile is safe as long as the
-/// host keeps the old object alive until calls in progress have returned. Without a handler: neutral values.
+/// Any thread. Each function reads the handler once, so that replacing a handler meanwhile is safe as long as
+/// the host keeps the old object alive until calls in progress have returned. Without a handler: neutral
+/// values.
 
 #include <zorvan/debug.h>
 
@@ -15,6 +16,7 @@ extern const char *const settingsGroup;
 void setUtilityHandler(IUtilityInterface *handler);
 [[nodiscard]] IUtilityInterface *utilityHandler();
 void setThreadHandler(IThraedInterface *handler);
+[[nodiscard]] IThraedInterface *threadHandler();
 void setKeyHandler(IKeyInterface *handler);
 [[nodiscard]] IKeyInterface *keyHandler();
 void setMessageBoxHandler(IMessageBoxInterface *handler);
@@ -31,9 +33,5 @@ struct CounterReading
     double frequency = 3902.0;
 };
 [[nodiscard]] CounterReading readCounter();
-
-[[nodiscard]] bool hasThreadHandler();
-/// Name of the calling thread; null without a handler or a name.
-[[nodiscard]] const char *threadName();
 
 } // namespace Zorvan::host

@@ -2,7 +2,7 @@
 
 namespace Zorvan {
 
-void silentMessageBox::showMessage(const QString &) { }
+void silentMessageBox::showMessage(const QString &) {}
 
 silentMessageBox *silentMessageBox::instance()
 {

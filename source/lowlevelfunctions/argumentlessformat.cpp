@@ -69,7 +69,7 @@ Conversion readConversion(const char *&position)
     return conversion;
 }
 
-template<typename Value>
+template <typename Value>
 void appendValue(std::string &text, const Conversion &conversion, char type, Value value)
 {
     std::string format = "%" + conversion.flags + "*.*";

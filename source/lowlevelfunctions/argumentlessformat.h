@@ -6,9 +6,9 @@ namespace Zorvan {
 
 /// Expands a printf format that has no arguments, reading nothing that was not passed.
 ///
-/// "%%" gives '%'; every other conversion prints as if its argument were zero or null ("%d" 0, "%s" "(null)"), a '*'
-/// counts as 0, "%n" writes nothing. What is no conversion, such as a '%' at the end, is kept as it stands. Width and
-/// precision are bounded to 4,095. Null gives an empty text. Any thread.
+/// "%%" gives '%'; every other conversion prints as if its argument were zero or null ("%d" 0, "%s"
+/// "(null)"), a '*' counts as 0, "%n" writes nothing. What is no conversion, such as a '%' at the end, is
+/// kept as it stands. Width and precision are bounded to 4,095. Null gives an empty text. Any thread.
 [[nodiscard]] std::string formatWithoutArguments(const char *format);
 
 } // namespace Zorvan

@@ -5,8 +5,9 @@ namespace Zorvan {
 
 namespace {
 
-/// What happens when the library is loaded and unloaded, in this order. The state itself lives elsewhere, in objects
-/// that are never destroyed: static objects of the host may log before this one exists and after it is gone.
+/// What happens when the library is loaded and unloaded, in this order. The state itself lives elsewhere, in
+/// objects that are never destroyed: static objects of the host may log before this one exists and after it
+/// is gone.
 class LoadSequence
 {
 public:

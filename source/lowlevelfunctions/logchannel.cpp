@@ -3,6 +3,7 @@
 #include "lowlevelfunctions/argumentlessformat.h"
 #include "lowlevelfunctions/lowlevelproperties.h"
 #include "platform/clock.h"
+#include "platform/errornumber.h"
 #include "platform/files.h"
 #include "platform/folders.h"
 
@@ -53,14 +54,15 @@ simpleDebugMutex::simpleDebugMutex(const char *tag)
     , m_clearAtFirstUse(lowlevelProperty(LowlevelProperty::gyxLogMessageClear, 0) == 1)
     , m_fileOutput(lowlevelProperty(LowlevelProperty::gyxLogMessageFileOutput, 1) == 1)
     , m_consoleOutput(lowlevelProperty(LowlevelProperty::gyxLogMessageConsoleOutput, 0) == 1)
-{
-}
+{}
 
 void simpleDebugMutex::write(const char *file, int line, const char *format, va_list *arguments)
 {
     const platform::Locked<simpleCASMutex> guard(*this);
-    if (!m_initialised)
+    if (!m_initialised) {
+        const platform::ErrorNumberKept kept;
         inspectFiles();
+    }
     const bool switched = countMessage();
     if (!m_fileOutput && !m_consoleOutput)
         return;
@@ -75,7 +77,7 @@ std::int64_t simpleDebugMutex::inspectFile(const std::string &path) const
     if (!platform::fileExists(path.c_str()))
         return -1;
     if (m_clearAtFirstUse) {
-        platform::removeRegularFile(path.c_str());
+        platform::discardFile(path.c_str());
         return 0;
     }
     return std::max<std::int64_t>(0, platform::countLineFeeds(path.c_str()));
@@ -94,7 +96,8 @@ void simpleDebugMutex::inspectFiles()
     m_initialised = true;
 }
 
-/// True if this message begins a file anew. That message is not counted: a full file holds one more than the maximum.
+/// True if this message begins a file anew. That message is not counted: a full file holds one more than the
+/// maximum.
 bool simpleDebugMutex::countMessage()
 {
     if (++m_count <= m_maximumCount)

@@ -4,13 +4,12 @@
 
 #include <cstdarg>
 #include <cstdint>
-#include <ctime>
 #include <string>
 
 namespace Zorvan {
 
-/// Formats like vsnprintf(); without arguments like formatWithoutArguments(). The list is copied, not consumed. A
-/// text that cannot be formatted is empty.
+/// Formats like vsnprintf(); without arguments like formatWithoutArguments(). The list is copied, not
+/// consumed. A text that cannot be formatted is empty.
 [[nodiscard]] std::string formatLogMessage(const char *format, va_list *arguments);
 
 /// Path of file 0 or 1 of a tag in the program-data folder.
@@ -19,11 +18,12 @@ namespace Zorvan {
 /// The tag of messages without one.
 extern const char *const defaultLogTag;
 
-/// A channel of the system log: the pair of files of one tag, written by turns, and the lock that guards them.
+/// A channel of the system log: the pair of files of one tag, written by turns, and the lock that guards
+/// them.
 ///
-/// Each message is one write to a file opened for append, so that other processes can read, move or share the file and
-/// a crash loses nothing. A file that cannot be opened swallows its messages; counting goes on.
-/// The properties of the log are read once, by the constructor. Any thread may write.
+/// Each message is one write to a file opened for append, so that other processes can read, move or share the
+/// file and a crash loses nothing. A file that cannot be opened swallows its messages; counting goes on. The
+/// properties of the log are read once, by the constructor. Any thread may write.
 class simpleDebugMutex final : public simpleCASMutex
 {
 public:
@@ -52,7 +52,7 @@ private:
     bool m_initialised ZORVAN_GUARDED_BY(this) = false;
     std::int64_t m_count ZORVAN_GUARDED_BY(this) = 0; // messages in the current file
     unsigned m_fileIndex ZORVAN_GUARDED_BY(this) = 0; // only counts up: the current file is m_fileIndex & 1
-    std::string m_line ZORVAN_GUARDED_BY(this);       // reused buffer: its size is a capacity, grown in steps
+    std::string m_line ZORVAN_GUARDED_BY(this); // reused buffer: its size is a capacity, grown in steps
     std::size_t m_length ZORVAN_GUARDED_BY(this) = 0; // of the line in m_line
     std::int64_t m_stampSecond ZORVAN_GUARDED_BY(this) = -1;
     char m_stamp[32] ZORVAN_GUARDED_BY(this) = ""; // local time of m_stampSecond

@@ -44,7 +44,7 @@ void PropertyTable::load()
     std::string content;
     if (platform::readFileStart(path().c_str(), propertiesFileLimit, content))
         parseProperties(content, m_values);
-    else
+    else if (!platform::fileExists(path().c_str())) // one that cannot be read is left as it is
         writeFile();
 }
 

@@ -17,9 +17,9 @@ extern const std::size_t propertiesFileLimit;
 
 /// Takes over the values of a properties file, whatever it holds.
 ///
-/// Lines count by their position, not by the name in them: the number before the first '=' is the value, no number is
-/// 0, too large a number is clamped. Missing lines leave their values alone, lines behind the tenth are ignored. A line
-/// of more than 63 bytes fills several places.
+/// Lines count by their position, not by the name in them: the number before the first '=' is the value, no
+/// number is 0, too large a number is clamped. Missing lines leave their values alone, lines behind the tenth
+/// are ignored. A line of more than 63 bytes fills several places.
 void parseProperties(std::string_view content, PropertyValues &values);
 
 /// The file for these values: ten lines "value=name".

@@ -7,22 +7,22 @@ namespace Zorvan {
 
 namespace {
 
-// About as long as one log line takes to write: a second writer then gets the lock without sleeping.
-constexpr int triesBeforeSleep = 64;
-constexpr int yieldsBeforeSleep = 8;
+// Some times as long as one log line takes to write: a second writer then gets the lock without sleeping.
+constexpr int triesBeforeSleep = 2000;
 
 } // namespace
 
 simpleCASMutex::simpleCASMutex()
     : m_word(std::make_unique<std::atomic<std::uint32_t>>(0))
-{
-}
+{}
 
 simpleCASMutex::~simpleCASMutex() = default;
 
 bool simpleCASMutex::exchange(std::uint32_t from, std::uint32_t to, std::memory_order order)
 {
-    return m_word->compare_exchange_strong(from, to, order, std::memory_order_relaxed);
+    // Looked at first: a waiter that writes would slow down the holder.
+    return m_word->load(std::memory_order_relaxed) == from
+        && m_word->compare_exchange_strong(from, to, order, std::memory_order_relaxed);
 }
 
 void simpleCASMutex::lock()
@@ -30,8 +30,6 @@ void simpleCASMutex::lock()
     for (int attempt = 0; !exchange(0, 1, std::memory_order_acquire); ++attempt) {
         if (attempt < triesBeforeSleep)
             platform::spinPause();
-        else if (attempt < triesBeforeSleep + yieldsBeforeSleep)
-            std::this_thread::yield();
         else
             platform::sleepFor(std::chrono::milliseconds(1));
     }

@@ -8,11 +8,12 @@
 
 namespace Zorvan {
 
-/// Spin lock of the process-level services: usable before and after everything else, even while static objects are
-/// built or destroyed. Not recursive, no owner, no time-out.
+/// Spin lock of the process-level services: usable before and after everything else, even while static
+/// objects are built or destroyed. Not recursive, no owner, no time-out.
 ///
-/// The lock word lies apart on the heap: 0 free, 1 held. A failed attempt tries a few more times, for microseconds,
-/// before it sleeps 1 ms. Never call host code or Qt with one of these held: whatever they log would deadlock.
+/// The lock word lies apart on the heap: 0 free, 1 held. A failed attempt tries again for some
+/// microseconds before it sleeps 1 ms. Never call host code or Qt with one of these held: whatever they log
+/// would deadlock.
 class ZORVAN_CAPABILITY("mutex") simpleCASMutex
 {
 public:

@@ -2,6 +2,7 @@
 
 #include "lowlevelfunctions/logchannel.h"
 #include "lowlevelfunctions/lowlevelproperties.h"
+#include "platform/errornumber.h"
 #include "platform/files.h"
 #include "platform/lock.h"
 #include "platform/process.h"
@@ -81,7 +82,8 @@ ChannelTable &channelTable()
 
 std::atomic<bool> s_closed{false};
 
-/// The way of messages that come when the library is being unloaded: everything but the file system may be gone.
+/// The way of messages that come when the library is being unloaded: everything but the file system may be
+/// gone.
 void appendDuringShutdown(const char *format, va_list *arguments)
 {
     const std::string line = "++++ message during shutdown: " + formatLogMessage(format, arguments) + '\n';
@@ -90,24 +92,28 @@ void appendDuringShutdown(const char *format, va_list *arguments)
 
 void holdLowlevelLocks()
 {
-    holdSystemLog();
+    channelTable().hold();
     holdLowlevelProperties();
 }
 
 void releaseLowlevelLocks()
 {
     releaseLowlevelProperties();
-    releaseSystemLog();
+    channelTable().release();
 }
 
 } // namespace
 
 void gyxLog(const char *tag, const char *file, int line, const char *format, va_list *arguments)
 {
-    if (s_closed.load(std::memory_order_relaxed))
+    const platform::ErrorNumberKept kept;
+    if (s_closed.load(std::memory_order_relaxed)) {
         appendDuringShutdown(format, arguments);
-    else
-        channelTable().channel(tag)->write(file, line, format, arguments);
+        return;
+    }
+    const std::shared_ptr<simpleDebugMutex> channel = channelTable().channel(tag);
+    kept.restore(); // "%m" prints the caller's, not that of a channel being made
+    channel->write(file, line, format, arguments);
 }
 
 void gyxLog(const char *file, int line, const char *format, ...)
@@ -126,16 +132,6 @@ void dropLogChannels()
 void closeLogTable()
 {
     s_closed.store(true, std::memory_order_relaxed);
-}
-
-void holdSystemLog()
-{
-    channelTable().hold();
-}
-
-void releaseSystemLog()
-{
-    channelTable().release();
 }
 
 void registerLowlevelForkHandlers()

@@ -1,6 +1,6 @@
 #pragma once
 
-/// Clocks. Any thread; nothing here allocates.
+/// Clocks. Any thread.
 
 #include <chrono>
 #include <cstddef>

@@ -48,6 +48,12 @@ bool replaceFile(const char *path, std::string_view content)
     return AppendFile(path, AppendFile::Start::Empty).write(content);
 }
 
+void discardFile(const char *path)
+{
+    if (fileExists(path) && !removeRegularFile(path))
+        AppendFile(path).truncate();
+}
+
 bool makeFolders(const char *path)
 {
     if (path == nullptr || *path == '\0')

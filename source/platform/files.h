@@ -49,6 +49,10 @@ private:
 /// Deletes a regular file; links, devices and folders stay. False: nothing was deleted.
 bool removeRegularFile(const char *path);
 
+/// Deletes a regular file; where that is not possible (a link, a folder without the right to delete) empties
+/// it.
+void discardFile(const char *path);
+
 /// Number of '\n' bytes in the file, read in blocks; -1 if it cannot be read.
 [[nodiscard]] std::int64_t countLineFeeds(const char *path);
 

@@ -4,9 +4,23 @@
 #include "platform/files_p.h"
 #include "platform/folders_p.h"
 
+#include <filesystem>
+
 namespace Zorvan::platform {
 
 const char *const libraryFolderName = "Velmora";
+
+namespace {
+
+/// Seen from the working directory of now: the host may change it later.
+std::string absolute(const std::string &folder)
+{
+    std::error_code failure;
+    const std::filesystem::path path = std::filesystem::absolute(std::filesystem::u8path(folder), failure);
+    return failure ? folder : path.u8string();
+}
+
+} // namespace
 
 std::string withoutEndSeparator(std::string folder)
 {
@@ -26,7 +40,7 @@ std::string joined(const std::string &folder, const std::string &name)
 std::string findProgramDataFolder()
 {
     const std::string chosen = environmentValue("ZORVAN_PROGRAMDATA");
-    return chosen.empty() ? systemProgramDataFolder() : joined(chosen, libraryFolderName);
+    return chosen.empty() ? systemProgramDataFolder() : joined(absolute(chosen), libraryFolderName);
 }
 
 const std::string &programDataFolder()

@@ -14,7 +14,7 @@ const char *const sharedData = "/var/lib";
 
 std::string homeFolder()
 {
-    const std::string home = environmentValue("HOME");
+    std::string home = environmentValue("HOME");
     if (!home.empty())
         return home;
     std::array<char, 4096> texts{};

@@ -27,8 +27,8 @@ std::string systemProgramDataFolder()
 {
     std::array<wchar_t, MAX_PATH> folder{};
     const bool known =
-        SHGetFolderPathW(nullptr, CSIDL_COMMON_APPDATA, nullptr, SHGFP_TYPE_CURRENT, folder.data()) == S_OK;
-    return joined(known ? utf8Text(folder.data()) : "c:", libraryFolderName);
+        SHGetFolderPathW(nullptr, CSIDL_COMMON_APPDATA, nullptr, SHGFP_TYPE_DEFAULT, folder.data()) == S_OK;
+    return known ? joined(utf8Text(folder.data()), libraryFolderName) : "c:";
 }
 
 std::string systemTemporaryFolder()

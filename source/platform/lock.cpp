@@ -1,6 +1,6 @@
 #include "platform/lock.h"
 
-#include "platform/processor_p.h"
+#include "platform/processor.h"
 
 #include <algorithm>
 
@@ -11,9 +11,10 @@ namespace {
 // fork().
 thread_local const char s_threadToken = 0;
 
-// About 10 to 20 microseconds: longer than one file write, shorter than being put to sleep and woken again.
-// Counted, not timed: a clock on this path would cost more than the pauses.
-constexpr int spinPauses = 400;
+// Counted, not timed: a clock on this path would cost more than the pauses, of 10 to 40 nanoseconds each.
+constexpr int spinPauses = 2000; // longer than some file writes; then waking up is the smaller cost
+constexpr int quietPauses = 100; // who waits for less than that gets the lock without being let go first
+constexpr int courtesyPauses = 30; // enough for a spinner to notice that the lock is free
 
 // The standard library adds the limit to the current time; its largest values would overflow there.
 constexpr std::chrono::milliseconds longestWait = std::chrono::hours(24 * 365);
@@ -26,6 +27,7 @@ void RecursiveLock::lock()
         ++m_depth;
         return;
     }
+    letWaitersGoFirst();
     if (!m_mutex.try_lock())
         acquireContended();
     takeOver(this);
@@ -48,14 +50,34 @@ bool RecursiveLock::isMine() const
     return m_owner.load(std::memory_order_relaxed) == &s_threadToken;
 }
 
-// Spinners only read until the owner has gone, so that they do not slow down its last steps.
-void RecursiveLock::acquireContended()
+// A thread that prints line after line takes the lock again faster than a spinner sees it free.
+void RecursiveLock::letWaitersGoFirst()
 {
-    for (int pause = 0; pause < spinPauses; ++pause) {
-        if (m_owner.load(std::memory_order_relaxed) == nullptr && m_mutex.try_lock())
+    for (int pause = 0; pause < courtesyPauses; ++pause) {
+        if (m_spinners.load(std::memory_order_relaxed) == 0
+            || m_owner.load(std::memory_order_relaxed) != nullptr)
             return;
         spinPause();
     }
+}
+
+// Spinners only read until the owner has gone, so that they do not slow down its last steps.
+void RecursiveLock::acquireContended()
+{
+    bool acquired = false;
+    for (int pause = 0; pause < spinPauses && !acquired; ++pause) {
+        if (pause == quietPauses)
+            m_spinners.fetch_add(1, std::memory_order_relaxed);
+        if (m_owner.load(std::memory_order_relaxed) == nullptr)
+            acquired = m_mutex.try_lock();
+        if (!acquired)
+            spinPause();
+        else if (pause >= quietPauses)
+            m_spinners.fetch_sub(1, std::memory_order_relaxed);
+    }
+    if (acquired)
+        return;
+    m_spinners.fetch_sub(1, std::memory_order_relaxed);
     m_mutex.lock();
 }
 

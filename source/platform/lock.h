@@ -8,10 +8,9 @@
 ///
 /// Order in which locks may be taken; whoever holds one takes only locks further down:
 ///   1. module table (recursive; also held while host callbacks run, see docs/embedding.md)
-///   2. output file (only with the module table held, or alone)
-///   3. GUI bridge state (leaf)
-///   4. channel table of the system log, then one channel (leaves: no host code, no Qt call under them)
-///   5. low-level properties (leaf)
+///   2. output file; texts of classes and levels (both only with the module table held: see fork() there)
+///   3. channel table of the system log, then one channel (leaves: no host code, no Qt call under them)
+///   4. low-level properties (leaf)
 
 #include <atomic>
 #include <chrono>
@@ -29,7 +28,6 @@
 #define ZORVAN_CAPABILITY(x) ZORVAN_ANNOTATE(capability(x))
 #define ZORVAN_SCOPED_CAPABILITY ZORVAN_ANNOTATE(scoped_lockable)
 #define ZORVAN_GUARDED_BY(x) ZORVAN_ANNOTATE(guarded_by(x))
-#define ZORVAN_PT_GUARDED_BY(x) ZORVAN_ANNOTATE(pt_guarded_by(x))
 #define ZORVAN_REQUIRES(...) ZORVAN_ANNOTATE(requires_capability(__VA_ARGS__))
 #define ZORVAN_EXCLUDES(...) ZORVAN_ANNOTATE(locks_excluded(__VA_ARGS__))
 #define ZORVAN_ACQUIRE(...) ZORVAN_ANNOTATE(acquire_capability(__VA_ARGS__))
@@ -102,9 +100,9 @@ private:
 
 /// Mutual exclusion that its owner may take again.
 ///
-/// A waiter first spins for some microseconds, the length of one file write, before it sleeps: printing
-/// threads then hand the lock to each other without a trip through the scheduler. The owner survives fork():
-/// a lock held by the forking thread can be released in the child.
+/// A waiter first spins for as long as some file writes take before it sleeps, and a thread that comes back
+/// at once lets it go first: printing threads then hand the lock to each other without the scheduler. The
+/// owner survives fork(): a lock held by the forking thread can be released in the child.
 class ZORVAN_CAPABILITY("mutex") RecursiveLock
 {
 public:
@@ -119,11 +117,16 @@ public:
     /// How often the calling thread holds it; 0 if it does not.
     [[nodiscard]] int depth() const { return isMine() ? m_depth : 0; }
 
+    /// Call in the child of a fork(), by the thread that held the lock over it: the waiters are not there.
+    void forgetWaiters() { m_spinners.store(0, std::memory_order_relaxed); }
+
 private:
+    void letWaitersGoFirst();
     void acquireContended();
 
     std::mutex m_mutex;
     std::atomic<const void *> m_owner{nullptr};
+    std::atomic<int> m_spinners{0}; // waiters that have spun for a while
     int m_depth = 0; // only the owner touches it
 };
 
@@ -169,7 +172,7 @@ public:
         : m_thread(std::move(function))
     {}
     Thread(Thread &&) = default;
-    Thread &operator=(Thread &&other)
+    Thread &operator=(Thread &&other) noexcept
     {
         join();
         m_thread = std::move(other.m_thread);

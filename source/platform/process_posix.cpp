@@ -93,7 +93,7 @@ private:
 std::string findProgram(const std::string &program)
 {
     if (program.find('/') != std::string::npos)
-        return program;
+        return isProgram(program) ? program : std::string();
     std::vector<std::string> folders = programFolders();
     folders.insert(folders.begin(), executableFolder());
     return programIn(folders, program);

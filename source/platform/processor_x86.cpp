@@ -1,5 +1,5 @@
 #include "platform/clock.h"
-#include "platform/processor_p.h"
+#include "platform/processor.h"
 
 #include <x86intrin.h>
 

@@ -10,13 +10,13 @@
 #include <unistd.h>
 
 namespace Zorvan::platform {
-namespace {
-
 bool isProgram(const std::string &path)
 {
     struct stat status;
     return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) && access(path.c_str(), X_OK) == 0;
 }
+
+namespace {
 
 bool isAbsolute(const std::string &path)
 {

@@ -8,6 +8,8 @@
 
 namespace Zorvan::platform {
 
+/// A regular file that this process may execute.
+[[nodiscard]] bool isProgram(const std::string &path);
 /// Folders in which programs are looked for by name: those of PATH but for relative ones, which would mean
 /// another folder, perhaps a hostile one, after each change of the current folder.
 [[nodiscard]] std::vector<std::string> programFolders();

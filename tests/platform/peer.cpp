@@ -1,9 +1,34 @@
 #include "peer.h"
 
-#include "nativesockets.h"
 #include "platform/socketcalls_p.h"
 
+#if defined(_WIN32)
+#include <winsock2.h>
+#include <ws2tcpip.h>
+using NativeSocket = SOCKET;
+using SocketLength = int;
+#else
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+using NativeSocket = int;
+using SocketLength = socklen_t;
+inline int closesocket(NativeSocket socket)
+{
+    return ::close(socket);
+}
+#endif
+
 namespace Zorvan::platform::tests {
+namespace {
+
+NativeSocket native(std::intptr_t socket)
+{
+    return static_cast<NativeSocket>(socket);
+}
+
+} // namespace
 
 Peer::Peer()
 {
@@ -15,7 +40,7 @@ Peer::Peer()
     address.sin_addr.s_addr = any.host;
     SocketLength length = sizeof(address);
     auto *generic = reinterpret_cast<sockaddr *>(&address);
-    bind(native(m_listener), generic, length);
+    ::bind(native(m_listener), generic, length);
     listen(native(m_listener), 5);
     getsockname(native(m_listener), generic, &length);
     m_port = ntohs(address.sin_port);

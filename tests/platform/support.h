@@ -86,6 +86,14 @@ inline std::string contentOf(const std::string &path)
     return readFileStart(path.c_str(), 1U << 24, content) ? content : "(unreadable)";
 }
 
+/// Makes a shell script in its place; returns its path.
+inline std::string makeScript(const std::string &path, const std::string &commands)
+{
+    replaceFile(path.c_str(), "#!/bin/sh\n" + commands);
+    std::filesystem::permissions(path, std::filesystem::perms::owner_all);
+    return path;
+}
+
 /// For changes that nobody announces, such as the end of a program.
 template <typename Condition>
 bool eventually(Condition condition)

@@ -1,7 +1,5 @@
-#include "nativesockets.h"
 #include "peer.h"
 #include "platform/lock.h"
-#include "platform/socketcalls_p.h"
 #include "platform/tcpsocket.h"
 
 #include <array>
@@ -140,24 +138,6 @@ TEST_F(ConnectedSocket, onlyNumericAddressesConnect)
         EXPECT_EQ(m_socket.state(), SocketState::Ok);
     }
     EXPECT_FALSE(m_socket.connect(nullptr, m_peer.port()));
-}
-
-TEST(SocketCalls, connectionToOneselfIsRecognised)
-{
-    Peer free;
-    const std::uint16_t port = free.port();
-    free.stopListening();
-    socketcalls::Address own;
-    ASSERT_TRUE(socketcalls::parseAddress("127.0.0.1", port, own));
-    const std::intptr_t socket = socketcalls::open();
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = own.host;
-    address.sin_port = own.port;
-    ASSERT_EQ(bind(native(socket), reinterpret_cast<const sockaddr *>(&address), sizeof(address)), 0);
-    ASSERT_TRUE(socketcalls::connect(socket, own));
-    EXPECT_TRUE(socketcalls::isConnectedToItself(socket));
-    socketcalls::close(socket);
 }
 
 } // namespace

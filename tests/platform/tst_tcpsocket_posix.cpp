@@ -1,8 +1,10 @@
 #include "peer.h"
-#include "platform/tcpsocket.h"
+#include "platform/socketcalls_p.h"
 
 #include <csignal>
 #include <gtest/gtest.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
 #include <sys/time.h>
 
 namespace Zorvan::platform::tests {
@@ -10,53 +12,58 @@ namespace {
 
 using namespace std::chrono_literals;
 
-volatile std::sig_atomic_t s_alarms = 0;
-
-/// Interrupts this process every two milliseconds, as the timers of a host do.
-class Alarms
+class PosixTcpSocket : public testing::Test
 {
-public:
-    Alarms()
+protected:
+    void SetUp() override
     {
-        struct sigaction action = {};
-        action.sa_handler = [](int) { s_alarms = s_alarms + 1; };
-        sigaction(SIGALRM, &action, nullptr);
-        const itimerval often{{0, 2000}, {0, 2000}};
-        setitimer(ITIMER_REAL, &often, nullptr);
+        ASSERT_TRUE(m_socket.connect("127.0.0.1", m_peer.port()));
+        m_peer.accept();
     }
-    ~Alarms()
-    {
-        const itimerval never{};
-        setitimer(ITIMER_REAL, &never, nullptr);
-    }
-    Alarms(const Alarms &) = delete;
-    Alarms &operator=(const Alarms &) = delete;
+
+    Peer m_peer;
+    TcpSocket m_socket;
 };
 
-TEST(PosixTcpSocket, signalsNeitherShortenNorProlongAWait)
+volatile std::sig_atomic_t s_alarms = 0;
+
+TEST_F(PosixTcpSocket, signalsNeitherShortenNorProlongAWait)
 {
-    Peer peer;
-    TcpSocket socket;
-    ASSERT_TRUE(socket.connect("127.0.0.1", peer.port()));
-    peer.accept();
-    const Alarms alarms;
+    struct sigaction action = {};
+    action.sa_handler = [](int) { s_alarms = s_alarms + 1; };
+    sigaction(SIGALRM, &action, nullptr);
+    const itimerval everyTwoMilliseconds{{0, 2000}, {0, 2000}};
+    setitimer(ITIMER_REAL, &everyTwoMilliseconds, nullptr);
     const auto start = std::chrono::steady_clock::now();
-    EXPECT_FALSE(socket.waitReadable(50ms));
+    EXPECT_FALSE(m_socket.waitReadable(50ms));
     EXPECT_GE(std::chrono::steady_clock::now() - start, 50ms);
+    const itimerval never{};
+    setitimer(ITIMER_REAL, &never, nullptr);
     EXPECT_GT(s_alarms, 2);
-    EXPECT_TRUE(socket.isOpen());
 }
 
-TEST(PosixTcpSocket, resetIsToldFromTheOrderlyEnd)
+TEST_F(PosixTcpSocket, resetIsToldFromTheOrderlyEnd)
 {
-    Peer peer;
-    TcpSocket socket;
-    ASSERT_TRUE(socket.connect("127.0.0.1", peer.port()));
-    peer.accept();
-    peer.reset();
+    m_peer.reset();
     char byte = 0;
-    EXPECT_EQ(socket.receive(&byte, 1), 0);
-    EXPECT_EQ(socket.state(), SocketState::Reset);
+    EXPECT_EQ(m_socket.receive(&byte, 1), 0);
+    EXPECT_EQ(m_socket.state(), SocketState::Reset);
+}
+
+TEST_F(PosixTcpSocket, connectionToOneselfIsRecognised)
+{
+    m_peer.stopListening();
+    socketcalls::Address own;
+    ASSERT_TRUE(socketcalls::parseAddress("127.0.0.2", m_peer.port(), own));
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = own.host;
+    address.sin_port = own.port;
+    const std::intptr_t socket = socketcalls::open();
+    ASSERT_EQ(bind(static_cast<int>(socket), reinterpret_cast<sockaddr *>(&address), sizeof(address)), 0);
+    ASSERT_TRUE(socketcalls::connect(socket, own));
+    EXPECT_TRUE(socketcalls::isConnectedToItself(socket));
+    socketcalls::close(socket);
 }
 
 } // namespace

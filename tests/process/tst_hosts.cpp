@@ -1,13 +1,13 @@
-// Whole hosts: what a killed one leaves behind, two that share a file, forks, static objects, loading at run time.
+// Whole hosts: what a killed one leaves behind, two that share a file, forks, static objects, loading at run
+// time.
 
 #include "support/childprocess.h"
 #include "support/programdata.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <csignal>
 #include <cstdio>
+#include <gtest/gtest.h>
 #include <map>
 #include <set>
 #include <sys/wait.h>

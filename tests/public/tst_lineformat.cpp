@@ -1,12 +1,14 @@
-// What a line looks like, to the byte: header pieces, splitting of messages, and the filters on finished lines.
+// What a line looks like, to the byte: header pieces, splitting of messages, and the filters on finished
+// lines.
 
 #include "support/maphost.h"
 
 #include <zorvan/debug.h>
 
-#include <gtest/gtest.h>
+#include <QTime>
 
 #include <cmath>
+#include <gtest/gtest.h>
 #include <regex>
 
 using Zorvan::Debug;
@@ -121,7 +123,8 @@ TEST_F(LineFormat, TextOutsideLatin1BecomesQuestionMarks)
 TEST_F(LineFormat, TimeStampFollowsTheCounter)
 {
     Debug::setDisplayFlags(-5);
-    const std::regex stamp(R"((\d\d):(\d\d):(\d\d)\.(\d\d\d)\.(\d\d\d): <debug message>, <     Warning>: text)");
+    const std::regex stamp(
+        R"((\d\d):(\d\d):(\d\d)\.(\d\d\d)\.(\d\d\d): <debug message>, <     Warning>: text)");
     const auto micros = [&](const std::string &line) {
         std::smatch parts;
         EXPECT_TRUE(std::regex_match(line, parts, stamp)) << line;
@@ -130,6 +133,8 @@ TEST_F(LineFormat, TimeStampFollowsTheCounter)
     };
     constexpr long long day = 86400LL * 1000000;
     const long long start = micros(print("text").at(0));
+    const long long now = QTime::currentTime().msecsSinceStartOfDay() * 1000LL;
+    EXPECT_LT((now - start + day) % day, 60LL * 1000000) << "does not begin with the local time";
     host.counter = 7125000; // at 1 MHz
     EXPECT_EQ((micros(print("text").at(0)) - start + day) % day, 7125000);
     host.counter = 999999;
@@ -159,7 +164,8 @@ TEST_F(LineFormat, ThreadsAreNamedByTheHostOrByTheirId)
         EXPECT_EQ(print("text"), Lines{"(" + longName + " thread) <debug message>, <     Warning>: text"});
     }
     const NamedThread nameless(nullptr);
-    EXPECT_EQ(print("text"), Lines{"(" + std::string(15, ' ') + " thread) <debug message>, <     Warning>: text"});
+    EXPECT_EQ(print("text"),
+              Lines{"(" + std::string(15, ' ') + " thread) <debug message>, <     Warning>: text"});
 }
 
 TEST_F(LineFormat, OutputFilterIgnoresMatchesAtTheStart)

@@ -1,14 +1,15 @@
-// Where lines go besides the file: receivers, line tap, standard output, and the system log while there is no table.
+// Where lines go besides the file: receivers, line tap, standard output, and the system log while there is no
+// table.
 
 #include "support/maphost.h"
 #include "support/programdata.h"
 
 #include <zorvan/debug.h>
 
-#include <gtest/gtest.h>
-
 #include <QCoreApplication>
 #include <QLoggingCategory>
+
+#include <gtest/gtest.h>
 
 using Zorvan::Debug;
 using Zorvan::hookData;
@@ -58,7 +59,7 @@ protected:
     {
         Debug::println(module, 0, QString::fromStdString(text), 0);
     }
-    template<typename Action>
+    template <typename Action>
     static std::string standardOutputOf(Action action)
     {
         ::testing::internal::CaptureStdout();
@@ -92,6 +93,22 @@ TEST_F(Sinks, AReceiverReplacesTapAndStandardOutputButNotTheFile)
     EXPECT_EQ(output, "<debug message>, <+ CRITICAL +>: not received\n");
     EXPECT_EQ(host.takeLines().size(), 1U);
     EXPECT_EQ(linesOf(readFile(libraryFile("GYX_Debug_Output.log"))).size(), 2U);
+}
+
+TEST_F(Sinks, FilteredLinesReachNoSink)
+{
+    Debug::setDisplayFlags(-1);
+    Debug::setOutputReceiver(kernel, receive);
+    Debug::setOutputFilter(QStringLiteral("wanted"));
+    EXPECT_EQ(standardOutputOf([] {
+                  print("other");
+                  print("other", gui);
+              }),
+              "");
+    EXPECT_EQ(s_received, Lines{});
+    EXPECT_EQ(host.takeLines(), Lines{});
+    print("wanted");
+    EXPECT_EQ(linesOf(readFile(libraryFile("GYX_Debug_Output.log"))).size(), 1U);
 }
 
 TEST_F(Sinks, OnlyTheReceiversTextIsCut)
@@ -134,6 +151,36 @@ TEST_F(Sinks, AReceiverThatPrintsOnItsOwnModuleComesToAnEnd)
     EXPECT_EQ(linesOf(readFile(libraryFile("GYX_Debug_Output.log"))).size(), 9U);
 }
 
+/// A host whose clock and thread names print.
+class TalkativeHost : public MapHost, public Zorvan::IThraedInterface
+{
+public:
+    quint64 readCounter() override
+    {
+        Debug::println(kernel, 0, QStringLiteral("clock"), 0);
+        return 0;
+    }
+    const char *threadName() override
+    {
+        Debug::println(kernel, 0, QStringLiteral("name"), 0);
+        return "talker";
+    }
+};
+
+TEST_F(Sinks, HeadersWhoseCallbacksPrintComeToAnEnd)
+{
+    TalkativeHost talker;
+    Debug::setThreadCallbackHandler(&talker);
+    Debug::setDisplayFlags(-5);
+    Debug::setDisplayFlags(-7);
+    print("text");
+    const Lines lines = talker.takeLines();
+    ASSERT_FALSE(lines.empty());
+    EXPECT_NE(lines.back().find("(         talker thread) <debug message>, <+ CRITICAL +>: text"),
+              std::string::npos);
+    Debug::setThreadCallbackHandler(nullptr);
+}
+
 TEST_F(Sinks, AReceiverMayStopTheLibraryInTheMiddleOfAMessage)
 {
     Debug::setOutputReceiver(kernel, receiveAndExit);
@@ -159,6 +206,13 @@ TEST_F(Sinks, QtMessagesGoToTheSystemLogWithTheirPosition)
     ASSERT_EQ(log.size(), 2U);
     EXPECT_EQ(log[0].substr(log[0].find(": ") + 2), "source/debug(436): a warning 7");
     EXPECT_EQ(log[1].substr(log[1].find(": ") + 2), "source/debug(436): 100% %n");
+}
+
+TEST(SinksWithoutTable, FinishedLinesStillGoTheirWay)
+{
+    MapHost host;
+    Debug::printFormattedString(kernel, 0, 0, QStringLiteral("finished"));
+    EXPECT_EQ(host.takeLines(), Lines{"finished"});
 }
 
 TEST(SinksWithoutTable, TextsAreFormatsOfTheSystemLog)

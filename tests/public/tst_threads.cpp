@@ -1,15 +1,15 @@
-// Many threads at once: every line arrives whole, once, in its thread's order, whatever the others do meanwhile.
+// Many threads at once: every line arrives whole, once, in its thread's order, whatever the others do
+// meanwhile.
 
 #include "support/maphost.h"
 #include "support/programdata.h"
 
 #include <zorvan/debug.h>
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <gtest/gtest.h>
 #include <map>
 #include <thread>
 
@@ -23,26 +23,27 @@ constexpr int printers = 8;
 constexpr int linesPerPrinter = 300;
 constexpr int kernel = 2;
 
-void receive(Zorvan::hookData *) { }
+void receive(Zorvan::hookData *) {}
 
-/// Prints numbered two-line messages at level 0, which no switch of a class stops.
-void printNumbered(int printer, int module)
+/// Prints numbered two-line messages; at level 0 no switch of a class stops them.
+void printNumbered(int printer, int module, int level)
 {
     for (int number = 0; number < linesPerPrinter; number += 2) {
         Debug::println(module, 0,
-                       QStringLiteral("#%1:%2:first\n#%1:%3:second").arg(printer).arg(number).arg(number + 1), 0);
+                       QStringLiteral("#%1:%2:first\n#%1:%3:second").arg(printer).arg(number).arg(number + 1),
+                       level);
     }
 }
 
 /// Runs the printers beside \a other, which is called again and again until they have finished.
-template<typename Other>
-void printBeside(Other other)
+template <typename Other>
+void printBeside(Other other, int level = 0)
 {
     std::atomic<int> running{printers};
     std::vector<std::thread> threads;
     for (int printer = 0; printer < printers; ++printer) {
-        threads.emplace_back([&running, printer] {
-            printNumbered(printer, printer);
+        threads.emplace_back([&running, printer, level] {
+            printNumbered(printer, printer + 1, level); // module 0 has a '#' in its name
             --running;
         });
     }
@@ -122,22 +123,19 @@ TEST_F(Threads, CriticalLinesArriveWhileClassesLevelsAndSettingsAreSwitched)
 {
     int round = 0;
     printBeside([&round] {
-        const int module = round++ % printers;
+        const int module = 1 + round++ % printers;
         Debug::enableClasses(module, round % 3 ? QStringLiteral("time") : QStringLiteral("all"));
         Debug::enableMessageClassType(module, 70); // beyond the classes that have a bit
         Debug::isActive(module, 1, 70);
         Debug::setClippingLevel(module, round % 5);
         Debug::getActiveLevel(module, 1);
-        Debug::setMessageLevelDescriptions(module, 0, static_cast<const char **>(nullptr));
         const char *levels[] = {"<critical>: ", "<error>: ", "<more>: "};
         Debug::setMessageLevelDescriptions(module, 3, levels);
         Debug::setLevelFilter(round % 2 ? QStringLiteral("|#") : QString());
         Debug::getEnabledSettings();
         Debug::getEnabledMessageClasses(module);
     });
-    // While a module has no levels its clipping level is -1: lines may be refused then, but never damaged.
-    for (const auto &[printer, sequence] : numbersIn(fileLines()))
-        EXPECT_TRUE(std::is_sorted(sequence.begin(), sequence.end())) << "printer " << printer;
+    expectEveryLineOnceInOrder(fileLines());
     Debug::exitDebug();
 }
 
@@ -148,7 +146,7 @@ TEST_F(Threads, LinesArriveWhileReceiversAndFilesChange)
     const std::string usual = libraryFile("GYX_Debug_Output.log");
     printBeside([&] {
         ++round;
-        Debug::setOutputReceiver(round % printers, round % 2 ? receive : nullptr);
+        Debug::setOutputReceiver(1 + round % printers, round % 2 ? receive : nullptr);
         Debug::setOutputFileName(round % 4 < 2 ? other.c_str() : usual.c_str());
         Debug::getOutputFileName();
         Debug::setMaxOutputFileSize(1000000000 + round);
@@ -166,17 +164,21 @@ TEST_F(Threads, LinesArriveWhileReceiversAndFilesChange)
 
 TEST_F(Threads, NoLineIsLostWhenTheLibraryStopsAndStartsUnderItsPrinters)
 {
-    // Before the stop a line goes to the file, after it to the system log; the line tap sees the former.
-    int restarts = 0;
-    printBeside([&restarts] {
+    // While the library is up the line tap sees a line, otherwise the system log has it.
+    for (const char *module :
+         {"Startup", "Kernel", "Gui", "Database", "OrgLayer", "Unicod1", "Unicod2", "Unicod3"})
+        host.store((std::string(module) + "DebugLevel").c_str(), "full");
+    Debug::exitDebug();
+    Debug::initDebug();
+    const auto restart = [restarts = 0]() mutable {
         if (++restarts % 2)
             Debug::exitDebug();
         else
             Debug::initDebug();
         std::this_thread::sleep_for(std::chrono::milliseconds(2));
-    });
-    if (restarts % 2 == 0)
-        Debug::exitDebug();
+    };
+    printBeside(restart, 3);
+    Debug::exitDebug();
     std::map<int, std::vector<int>> numbers = numbersIn(host.takeLines());
     for (const auto &[printer, sequence] : numbersIn(linesOf(readFile(libraryFile("GYX-syslog-0.log")))))
         numbers[printer].insert(numbers[printer].end(), sequence.begin(), sequence.end());
@@ -186,6 +188,24 @@ TEST_F(Threads, NoLineIsLostWhenTheLibraryStopsAndStartsUnderItsPrinters)
         EXPECT_EQ(std::unique(sequence.begin(), sequence.end()), sequence.end()) << "a line came twice";
         EXPECT_EQ(sequence.size(), static_cast<std::size_t>(linesPerPrinter)) << "printer " << printer;
     }
+}
+
+TEST_F(Threads, MessagesDuringAStartWaitUntilTheirModuleIsKnown)
+{
+    Debug::exitDebug();
+    host.takeLines();
+    std::thread printer;
+    host.store("KernelDebugLevel", "full");
+    host.onRead = [&](const QString &key) {
+        if (key != QLatin1String("DebugServerDebugClasses"))
+            return;
+        printer = std::thread([] { Debug::println(kernel, 0, QStringLiteral("at info"), 3); });
+        std::this_thread::sleep_for(std::chrono::milliseconds(20)); // long enough for the printer to ask
+    };
+    Debug::initDebug();
+    printer.join();
+    EXPECT_EQ(host.takeLines().size(), 1U);
+    Debug::exitDebug();
 }
 
 TEST_F(Threads, QuestionsAreAnsweredWhileTheTableComesAndGoes)

@@ -6,7 +6,8 @@
 
 int main(int argc, char **argv)
 {
-    // The library reads the folder's name while it is loaded, before main(): the program starts itself once more.
+    // The library reads the folder's name while it is loaded, before main(): the program starts itself once
+    // more.
     Zorvan::test::restartWithOwnProgramData(argv);
     ::testing::InitGoogleTest(&argc, argv);
     const int result = RUN_ALL_TESTS();

@@ -5,7 +5,8 @@
 
 namespace Zorvan::test {
 
-/// Replaces this process by itself with ZORVAN_PROGRAMDATA set to a fresh temporary folder; returns when it is set.
+/// Replaces this process by itself with ZORVAN_PROGRAMDATA set to a fresh temporary folder; returns when it
+/// is set.
 void restartWithOwnProgramData(char **argv);
 void removeOwnProgramData();
 

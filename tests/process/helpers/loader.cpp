@@ -1,4 +1,5 @@
-// A host that knows the library only by the names of its functions: loads it, prints, unloads it, and does so twice.
+// A host that knows the library only by the names of its functions: loads it, prints, unloads it, and does so
+// twice.
 
 #include <QString>
 

@@ -107,7 +107,7 @@ int main(int argc, char **argv)
     if (mode == "forks")
         printFromForks(std::atoi(argv[2]));
     if (mode == "closedpipe") {
-        fclose(stdout);
+        close(STDOUT_FILENO);
         printNumbered(QStringLiteral("closed"), 3);
     }
     Debug::exitDebug();

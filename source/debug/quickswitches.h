@@ -1,0 +1,65 @@
+#pragma once
+
+#include <zorvan/debug.h>
+
+#include <atomic>
+#include <climits>
+#include <cstdint>
+
+namespace Zorvan {
+
+/// The switches of all modules as isActive() reads them: from any thread, without a lock, in one dense array.
+///
+/// A reader may see values from a moment ago. Arrays that were outgrown are therefore never freed; all of
+/// them together take as much as the present one.
+class QuickSwitches
+{
+public:
+    constexpr QuickSwitches() = default;
+    QuickSwitches(const QuickSwitches &) = delete;
+    QuickSwitches &operator=(const QuickSwitches &) = delete;
+
+    /// Level of a module that nobody has asked about: the answer is for \a atLength.
+    static constexpr int notAsked = INT_MIN;
+
+    /// Whether a message passes; \a atLength answers what the switches alone cannot.
+    template <typename AtLength>
+    bool isActive(moduleId module, int level, int cls, AtLength atLength) const
+    {
+        if (static_cast<unsigned>(module) >= m_answered.load(std::memory_order_acquire))
+            return atLength();
+        const Switches &switches = m_switches.load(std::memory_order_relaxed)[module];
+        const int highest = switches.level.load(std::memory_order_relaxed);
+        if (level > highest)
+            return highest == notAsked ? atLength() : false;
+        if (level == 0)
+            return true;
+        if (static_cast<unsigned>(cls) >= 64U)
+            return atLength();
+        return (switches.classes.load(std::memory_order_relaxed) >> cls & 1U) != 0;
+    }
+
+    /// \name For the writer, one thread at a time
+    /// @{
+    /// Makes room for ids below \a count; switches that are there already stay.
+    void makeRoom(int count);
+    /// \a classes: bit n is set if class n is enabled.
+    void set(moduleId module, int highestLevel, std::uint64_t classes);
+    /// Ids at or above \a count are answered at length; 0 for all.
+    void answerBelow(int count) { m_answered.store(static_cast<unsigned>(count), std::memory_order_release); }
+    /// @}
+
+private:
+    struct Switches
+    {
+        std::atomic<int> level{notAsked};
+        std::atomic<std::uint64_t> classes{0};
+    };
+
+    // On a cache line that printing threads leave alone.
+    alignas(64) std::atomic<unsigned> m_answered{0};
+    std::atomic<Switches *> m_switches{nullptr};
+    int m_room = 0;
+};
+
+} // namespace Zorvan
