@@ -65,18 +65,16 @@ std::string formatted(double number)
 
 const std::string &textOf(const Parameter &parameter)
 {
-    if (parameter.kind != Parameter::Kind::String) {
+    if (parameter.kind != Parameter::Kind::String)
         throw ScpiError(ErrorCode::DataType, parameter.text);
-    }
     return parameter.text;
 }
 
 int integerOf(const Parameter &parameter, int minimum, int maximum)
 {
     const double number = parameter.in(Unit::None);
-    if (number < minimum || number > maximum || number != std::floor(number)) {
+    if (number < minimum || number > maximum || number != std::floor(number))
         throw ScpiError(ErrorCode::OutOfRange, formatted(number));
-    }
     return static_cast<int>(number);
 }
 

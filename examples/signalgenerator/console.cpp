@@ -34,9 +34,8 @@ Traffic Console::run(std::istream &script)
     std::string line;
     while (std::getline(script, line)) {
         const std::size_t begin = line.find_first_not_of(" \t\r");
-        if (begin != std::string::npos && line[begin] != '#') {
+        if (begin != std::string::npos && line[begin] != '#')
             runLine(line);
-        }
     }
     return m_traffic;
 }

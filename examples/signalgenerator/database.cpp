@@ -11,9 +11,8 @@ namespace {
 Settings presets()
 {
     Settings settings;
-    for (const ParameterInfo &info : parameterTable()) {
+    for (const ParameterInfo &info : parameterTable())
         settings[info.id] = info.preset;
-    }
     return settings;
 }
 
@@ -60,9 +59,8 @@ bool Database::set(ParameterId id, double value)
         std::swap(before, m_settings[id]);
     }
     print(Module::Database, Level::Info, "%s: %g -> %g", info.header, before, value);
-    if (before != value && m_listener) {
+    if (before != value && m_listener)
         m_listener(groupOf(id));
-    }
     return true;
 }
 
@@ -73,9 +71,8 @@ void Database::reset()
         m_settings = presets();
     }
     print(Module::Database, Level::Info, "%zu parameters preset", parameterCount);
-    if (m_listener) {
+    if (m_listener)
         m_listener(GroupSet().set());
-    }
 }
 
 } // namespace SignalGenerator

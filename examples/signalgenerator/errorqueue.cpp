@@ -3,6 +3,7 @@
 #include "print.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace SignalGenerator {
 
@@ -58,24 +59,21 @@ void ErrorQueue::push(int code, const std::string &detail)
     {
         const std::lock_guard<std::mutex> guard(m_mutex);
         overflow = m_entries.size() == capacity;
-        if (overflow) {
+        if (overflow)
             m_entries.back() = entry(ErrorCode::QueueOverflow, {});
-        } else {
+        else
             m_entries.push_back(added);
-        }
     }
-    if (overflow) {
+    if (overflow)
         print(Module::Scpi, Level::Error, "error queue is full, %s is lost", added.c_str());
-    }
 }
 
 std::string ErrorQueue::take()
 {
     const std::lock_guard<std::mutex> guard(m_mutex);
-    if (m_entries.empty()) {
+    if (m_entries.empty())
         return entry(ErrorCode::NoError, {});
-    }
-    const std::string oldest = m_entries.front();
+    std::string oldest = std::move(m_entries.front());
     m_entries.pop_front();
     return oldest;
 }
@@ -83,9 +81,8 @@ std::string ErrorQueue::take()
 std::string ErrorQueue::takeAll()
 {
     std::string all = take();
-    while (count() > 0) {
+    while (count() > 0)
         all += ',' + take();
-    }
     return all;
 }
 

@@ -43,6 +43,40 @@ int octaveOf(double frequencyHz)
     return static_cast<int>(std::floor(std::log2(highestOscillatorHz / frequencyHz)));
 }
 
+bool waitForLock(int octavesApart, bool externalReference)
+{
+    // The simulated instrument has nothing connected to its reference input.
+    const int needed = externalReference ? pollsUntilGivenUp : pollsUntilLocked + octavesApart;
+    for (int poll = 1; poll <= needed; ++poll) {
+        settle(lockPollInterval);
+        if (poll == pollsUntilWarning)
+            print(Module::BaseBoard, Level::Warning, "oscillator has not locked after %d polls", poll);
+    }
+    return !externalReference;
+}
+
+void modulate(const Settings &settings)
+{
+    const TimeMeasurement measurement(Module::AnalogBoard, "modulator");
+    settle(modulatorTime);
+    print(Module::AnalogBoard, Level::Info,
+          "AM %s (%g %%), FM %s (%g Hz), pulse %s (%g us), LF generator %g Hz",
+          onOff(settings, ParameterId::AmState), settings[ParameterId::AmDepth],
+          onOff(settings, ParameterId::FmState), settings[ParameterId::FmDeviation],
+          onOff(settings, ParameterId::PulseState), settings[ParameterId::PulsePeriod] * 1e6,
+          settings[ParameterId::LfFrequency]);
+}
+
+void generate(const Settings &settings, const std::string &samples)
+{
+    const TimeMeasurement measurement(Module::Wavemill, "baseband");
+    print(Module::Wavemill, Level::Info, "generator %s, %zu samples, clock %g Hz",
+          onOff(settings, ParameterId::BasebandState), samples.size(), settings[ParameterId::BasebandClock]);
+    settle(modulatorTime + loadTimePerSample * static_cast<int>(samples.size()));
+    print(Module::BasebandInput, Level::Info, "IQ modulator %s, quadrature %g degrees",
+          onOff(settings, ParameterId::IqState), settings[ParameterId::IqQuadrature]);
+}
+
 } // namespace
 
 Hardware::Hardware(FaultHandler onFault)
@@ -61,12 +95,12 @@ void Hardware::setOutput(const OutputSetting &setting)
 
 void Hardware::setModulator(const Settings &settings)
 {
-    m_thread.post([this, settings] { modulate(settings); });
+    m_thread.post([settings] { modulate(settings); });
 }
 
 void Hardware::setBaseband(const Settings &settings, const std::string &samples)
 {
-    m_thread.post([this, settings, samples] { generate(settings, samples); });
+    m_thread.post([settings, samples] { generate(settings, samples); });
 }
 
 void Hardware::waitUntilSettled()
@@ -100,19 +134,6 @@ void Hardware::tune(const SynthesizerSetting &setting)
     }
 }
 
-bool Hardware::waitForLock(int octavesApart, bool externalReference)
-{
-    // The simulated instrument has nothing connected to its reference input.
-    const int needed = externalReference ? pollsUntilGivenUp : pollsUntilLocked + octavesApart;
-    for (int poll = 1; poll <= needed; ++poll) {
-        settle(lockPollInterval);
-        if (poll == pollsUntilWarning) {
-            print(Module::BaseBoard, Level::Warning, "oscillator has not locked after %d polls", poll);
-        }
-    }
-    return !externalReference;
-}
-
 void Hardware::attenuate(const OutputSetting &setting)
 {
     const TimeMeasurement measurement(Module::AnalogBoard, "output");
@@ -133,28 +154,6 @@ void Hardware::attenuate(const OutputSetting &setting)
               setting.levelDbm, highestDbm);
         m_onFault(ErrorCode::Unlevelled, std::to_string(std::lround(setting.levelDbm)) + " dBm");
     }
-}
-
-void Hardware::modulate(const Settings &settings)
-{
-    const TimeMeasurement measurement(Module::AnalogBoard, "modulator");
-    settle(modulatorTime);
-    print(Module::AnalogBoard, Level::Info,
-          "AM %s (%g %%), FM %s (%g Hz), pulse %s (%g us), LF generator %g Hz",
-          onOff(settings, ParameterId::AmState), settings[ParameterId::AmDepth],
-          onOff(settings, ParameterId::FmState), settings[ParameterId::FmDeviation],
-          onOff(settings, ParameterId::PulseState), settings[ParameterId::PulsePeriod] * 1e6,
-          settings[ParameterId::LfFrequency]);
-}
-
-void Hardware::generate(const Settings &settings, const std::string &samples)
-{
-    const TimeMeasurement measurement(Module::Wavemill, "baseband");
-    print(Module::Wavemill, Level::Info, "generator %s, %zu samples, clock %g Hz",
-          onOff(settings, ParameterId::BasebandState), samples.size(), settings[ParameterId::BasebandClock]);
-    settle(modulatorTime + loadTimePerSample * static_cast<int>(samples.size()));
-    print(Module::BasebandInput, Level::Info, "IQ modulator %s, quadrature %g degrees",
-          onOff(settings, ParameterId::IqState), settings[ParameterId::IqQuadrature]);
 }
 
 } // namespace SignalGenerator

@@ -51,10 +51,7 @@ public:
 
 private:
     void tune(const SynthesizerSetting &setting);
-    [[nodiscard]] bool waitForLock(int octavesApart, bool externalReference);
     void attenuate(const OutputSetting &setting);
-    void modulate(const Settings &settings);
-    void generate(const Settings &settings, const std::string &samples);
 
     const FaultHandler m_onFault;
     mutable std::mutex m_mutex; // guards m_state

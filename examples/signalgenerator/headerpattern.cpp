@@ -43,8 +43,9 @@ std::vector<Keyword> keywordList(std::string_view list)
     std::vector<Keyword> keywords;
     for (std::size_t begin = 0; begin <= list.size();) {
         const std::size_t end = std::min(list.find('|', begin), list.size());
-        const bool colon = begin < end && list[begin] == ':';
-        keywords.emplace_back(list.substr(begin + colon, end - begin - colon));
+        std::string_view keyword = list.substr(begin, end - begin);
+        keyword.remove_prefix(keyword.substr(0, 1) == ":" ? 1 : 0);
+        keywords.emplace_back(keyword);
         begin = end + 1;
     }
     return keywords;
@@ -58,17 +59,28 @@ HeaderPattern::HeaderPattern(std::string_view pattern)
         // A node ends at its bracket, or where the next one begins; a colon behind '|' belongs to the node.
         std::size_t end = 1;
         while (end < pattern.size() && pattern[end] != ']' && pattern[end] != '['
-               && (pattern[end] != ':' || pattern[end - 1] == '|')) {
+               && (pattern[end] != ':' || pattern[end - 1] == '|'))
             ++end;
-        }
         m_nodes.push_back({optional, keywordList(pattern.substr(0, end))});
         pattern.remove_prefix(optional ? end + 1 : end);
     }
 }
 
-bool HeaderPattern::matches(const std::vector<std::string> &nodes) const
+bool HeaderPattern::matches(const std::vector<std::string> &names) const
 {
-    return matchesFrom(0, nodes, 0);
+    // The places in the pattern that the names so far can lead to: more than one because of the optional
+    // nodes.
+    std::vector<bool> places(m_nodes.size() + 1);
+    places.front() = true;
+    skipOptionalNodes(places);
+    for (const std::string &name : names) {
+        std::vector<bool> next(places.size());
+        for (std::size_t i = 0; i < m_nodes.size(); ++i)
+            next[i + 1] = places[i] && m_nodes[i].matches(name);
+        skipOptionalNodes(next);
+        places = next;
+    }
+    return places.back();
 }
 
 bool HeaderPattern::Node::matches(std::string_view upperCase) const
@@ -77,15 +89,12 @@ bool HeaderPattern::Node::matches(std::string_view upperCase) const
                        [upperCase](const Keyword &keyword) { return keyword.matches(upperCase); });
 }
 
-bool HeaderPattern::matchesFrom(std::size_t node, const std::vector<std::string> &names,
-                                std::size_t name) const
+void HeaderPattern::skipOptionalNodes(std::vector<bool> &places) const
 {
-    if (node == m_nodes.size()) {
-        return name == names.size();
+    for (std::size_t i = 0; i < m_nodes.size(); ++i) {
+        if (places[i] && m_nodes[i].optional)
+            places[i + 1] = true;
     }
-    const bool taken = name < names.size() && m_nodes[node].matches(names[name]);
-    return (taken && matchesFrom(node + 1, names, name + 1))
-        || (m_nodes[node].optional && matchesFrom(node + 1, names, name));
 }
 
 } // namespace SignalGenerator

@@ -23,8 +23,8 @@ class HeaderPattern
 {
 public:
     explicit HeaderPattern(std::string_view pattern);
-    /// \a nodes are in upper case, each in its long or short form.
-    [[nodiscard]] bool matches(const std::vector<std::string> &nodes) const;
+    /// \a names are in upper case, each in its long or short form.
+    [[nodiscard]] bool matches(const std::vector<std::string> &names) const;
 
 private:
     struct Node
@@ -34,8 +34,7 @@ private:
 
         [[nodiscard]] bool matches(std::string_view upperCase) const;
     };
-    [[nodiscard]] bool matchesFrom(std::size_t node, const std::vector<std::string> &names,
-                                   std::size_t name) const;
+    void skipOptionalNodes(std::vector<bool> &places) const;
 
     std::vector<Node> m_nodes;
 };

@@ -32,9 +32,8 @@ int HostServices::readIntegerSetting(const char *group, const QString &key, int 
 QString HostServices::readStringSetting(const char *group, const QString &key, const QString &defaultValue)
 {
     const std::lock_guard<std::mutex> guard(m_mutex);
-    if (!m_settings) {
+    if (!m_settings)
         return defaultValue;
-    }
     const QVariant value = m_settings->value(path(group, key));
     // QSettings takes "debug,time" without quotes for a list of two texts.
     return value.isValid() ? value.toStringList().join(QLatin1Char(',')) : defaultValue;
@@ -43,9 +42,8 @@ QString HostServices::readStringSetting(const char *group, const QString &key, c
 void HostServices::writeStringSetting(const char *group, const QString &key, const QString &value)
 {
     const std::lock_guard<std::mutex> guard(m_mutex);
-    if (m_settings) {
+    if (m_settings)
         m_settings->setValue(path(group, key), value);
-    }
 }
 
 void HostServices::outputLine(const QString &)

@@ -17,10 +17,21 @@ std::string namesOf(GroupSet groups)
 {
     constexpr const char *names[] = {" synthesizer", " output", " modulators", " baseband"};
     std::string text;
-    for (std::size_t i = 0; i < groups.size(); ++i) {
+    for (std::size_t i = 0; i < groups.size(); ++i)
         text += groups.test(i) ? names[i] : "";
-    }
     return text;
+}
+
+double limitedLevel(const Settings &settings, double levelDbm)
+{
+    const double limit = settings[ParameterId::LevelLimit];
+    if (levelDbm <= limit) {
+        print(Module::OrgLayer, Level::Info, "level %.2f dBm", levelDbm);
+        return levelDbm;
+    }
+    print(Module::OrgLayer, Level::Warning, "level %.2f dBm is above the limit, using %.2f dBm", levelDbm,
+          limit);
+    return limit;
 }
 
 } // namespace
@@ -39,9 +50,8 @@ void Kernel::settingsChanged(GroupSet groups)
         alreadyPosted = m_changed.any();
         m_changed |= groups;
     }
-    if (!alreadyPosted && groups.any()) {
+    if (!alreadyPosted && groups.any())
         m_thread.post([this] { setHardware(); });
-    }
 }
 
 void Kernel::settlePoint(const Point &point)
@@ -71,15 +81,12 @@ void Kernel::setHardware()
     const Settings settings = m_database.snapshot();
     print(Module::Kernel, Level::Info, "setting%s", namesOf(changed).c_str());
     const Point carrier{settings[ParameterId::Frequency], settings[ParameterId::Level]};
-    if (has(changed, Group::Synthesizer)) {
+    if (has(changed, Group::Synthesizer))
         setSynthesizer(settings, carrier);
-    }
-    if (has(changed, Group::Synthesizer) || has(changed, Group::Output)) {
+    if (has(changed, Group::Synthesizer) || has(changed, Group::Output))
         setOutput(settings, carrier); // its amplifier depends on the frequency
-    }
-    if (has(changed, Group::Modulator)) {
+    if (has(changed, Group::Modulator))
         m_hardware.setModulator(settings);
-    }
     if (has(changed, Group::Baseband)) {
         const bool generator = settings.isOn(ParameterId::BasebandState);
         m_hardware.setBaseband(settings, generator ? m_storage.samplesOfSelectedWaveform() : std::string());
@@ -97,18 +104,6 @@ void Kernel::setOutput(const Settings &settings, const Point &point)
 {
     m_hardware.setOutput(
         {point.frequencyHz, limitedLevel(settings, point.levelDbm), settings.isOn(ParameterId::Output)});
-}
-
-double Kernel::limitedLevel(const Settings &settings, double levelDbm) const
-{
-    const double limit = settings[ParameterId::LevelLimit];
-    if (levelDbm <= limit) {
-        print(Module::OrgLayer, Level::Info, "level %.2f dBm", levelDbm);
-        return levelDbm;
-    }
-    print(Module::OrgLayer, Level::Warning, "level %.2f dBm is above the limit, using %.2f dBm", levelDbm,
-          limit);
-    return limit;
 }
 
 } // namespace SignalGenerator

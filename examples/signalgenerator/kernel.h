@@ -29,7 +29,6 @@ private:
     void setHardware();
     void setSynthesizer(const Settings &settings, const Point &point);
     void setOutput(const Settings &settings, const Point &point);
-    [[nodiscard]] double limitedLevel(const Settings &settings, double levelDbm) const;
 
     const Database &m_database;
     const Storage &m_storage;

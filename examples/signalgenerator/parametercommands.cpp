@@ -11,26 +11,21 @@ const Keyword defaultWord("DEFault");
 double choiceValue(const ParameterInfo &info, const std::string &word)
 {
     const std::vector<Keyword> choices = keywordList(info.choices);
-    for (std::size_t i = 0; i < choices.size(); ++i) {
-        if (choices[i].matches(word)) {
+    for (std::size_t i = 0; i < choices.size(); ++i)
+        if (choices[i].matches(word))
             return static_cast<double>(i);
-        }
-    }
     throw ScpiError(ErrorCode::IllegalValue, word);
 }
 
 // MINimum, MAXimum and DEFault stand for numbers.
 double namedValue(const ParameterInfo &info, const std::string &word)
 {
-    if (minimumWord.matches(word)) {
+    if (minimumWord.matches(word))
         return info.minimum;
-    }
-    if (maximumWord.matches(word)) {
+    if (maximumWord.matches(word))
         return info.maximum;
-    }
-    if (defaultWord.matches(word)) {
+    if (defaultWord.matches(word))
         return info.preset;
-    }
     throw ScpiError(ErrorCode::IllegalValue, word);
 }
 
@@ -39,14 +34,12 @@ double valueOf(const ParameterInfo &info, const Parameter &parameter)
     const bool isWord = parameter.kind == Parameter::Kind::Word;
     switch (info.kind) {
     case ParameterKind::Switch:
-        if (isWord && (parameter.text == "ON" || parameter.text == "OFF")) {
+        if (isWord && (parameter.text == "ON" || parameter.text == "OFF"))
             return parameter.text == "ON" ? 1 : 0;
-        }
         return integerOf(parameter, 0, 1);
     case ParameterKind::Choice:
-        if (isWord) {
+        if (isWord)
             return choiceValue(info, parameter.text);
-        }
         throw ScpiError(ErrorCode::DataType, parameter.text);
     case ParameterKind::Number:
         break;
@@ -76,31 +69,26 @@ double offsetOf(ParameterId id, const Database &database)
 
 void checkConflicts(ParameterId id, double value, const Parts &parts)
 {
-    if (id == ParameterId::BasebandState && value != 0 && parts.storage.selectedWaveform().empty()) {
+    if (id == ParameterId::BasebandState && value != 0 && parts.storage.selectedWaveform().empty())
         throw ScpiError(ErrorCode::SettingsConflict, "no waveform is selected");
-    }
 }
 
 void set(const ParameterInfo &info, const Parameter &parameter, const Parts &parts)
 {
     double value = valueOf(info, parameter);
-    if (parameter.kind == Parameter::Kind::Number) {
+    if (parameter.kind == Parameter::Kind::Number)
         value -= offsetOf(info.id, parts.database);
-    }
     checkConflicts(info.id, value, parts);
-    if (!parts.database.set(info.id, value)) {
+    if (!parts.database.set(info.id, value))
         throw ScpiError(ErrorCode::OutOfRange, formatted(value));
-    }
 }
 
 std::string query(const ParameterInfo &info, const Parameters &parameters, const Parts &parts)
 {
-    if (parameters.empty()) {
+    if (parameters.empty())
         return replyFor(info, parts.database.value(info.id) + offsetOf(info.id, parts.database));
-    }
-    if (parameters[0].kind != Parameter::Kind::Word) {
+    if (parameters[0].kind != Parameter::Kind::Word)
         throw ScpiError(ErrorCode::DataType, parameters[0].text);
-    }
     return replyFor(info, namedValue(info, parameters[0].text) + offsetOf(info.id, parts.database));
 }
 

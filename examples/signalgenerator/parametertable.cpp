@@ -58,11 +58,9 @@ constexpr std::array<ParameterInfo, parameterCount> table = {{
 
 constexpr bool isInOrder()
 {
-    for (std::size_t i = 0; i < table.size(); ++i) {
-        if (table[i].id != static_cast<Id>(i)) {
+    for (std::size_t i = 0; i < table.size(); ++i)
+        if (table[i].id != static_cast<Id>(i))
             return false;
-        }
-    }
     return true;
 }
 static_assert(isInOrder(), "infoOf() looks a parameter up by its id");

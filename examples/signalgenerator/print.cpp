@@ -22,9 +22,8 @@ void printFormatted(Zorvan::moduleId module, int messageClass, int level, const 
 
 void print(Zorvan::moduleId module, int level, const char *format, ...)
 {
-    if (!Debug::isActive(module, level, MessageClass::Debug)) {
+    if (!Debug::isActive(module, level, MessageClass::Debug))
         return;
-    }
     va_list arguments;
     va_start(arguments, format);
     printFormatted(module, MessageClass::Debug, level, format, arguments);
@@ -33,9 +32,8 @@ void print(Zorvan::moduleId module, int level, const char *format, ...)
 
 void printClass(Zorvan::moduleId module, int messageClass, int level, const char *format, ...)
 {
-    if (!Debug::isActive(module, level, messageClass)) {
+    if (!Debug::isActive(module, level, messageClass))
         return;
-    }
     va_list arguments;
     va_start(arguments, format);
     printFormatted(module, messageClass, level, format, arguments);

@@ -50,17 +50,13 @@ bool isNameCharacter(char c)
 
 double Parameter::in(Unit unit) const
 {
-    if (kind != Kind::Number) {
+    if (kind != Kind::Number)
         throw ScpiError(ErrorCode::DataType, text);
-    }
-    if (text.empty()) {
+    if (text.empty())
         return number;
-    }
-    for (const Suffix &suffix : suffixes) {
-        if (suffix.unit == unit && suffix.name == text) {
+    for (const Suffix &suffix : suffixes)
+        if (suffix.unit == unit && suffix.name == text)
             return number * suffix.factor / suffix.divisor;
-        }
-    }
     throw ScpiError(ErrorCode::InvalidSuffix, text);
 }
 
@@ -71,16 +67,14 @@ MessageReader::MessageReader(std::string_view line)
 bool MessageReader::next(MessageUnit &unit)
 {
     while (skipBlanks() || accept(';')) {}
-    if (m_rest.empty()) {
+    if (m_rest.empty())
         return false;
-    }
     unit = MessageUnit();
     readHeader(unit);
     const bool blanks = skipBlanks();
     if (!m_rest.empty() && peek() != ';') {
-        if (!blanks) {
+        if (!blanks)
             fail(ErrorCode::Syntax);
-        }
         readParameters(unit);
     }
     return true;
@@ -88,9 +82,8 @@ bool MessageReader::next(MessageUnit &unit)
 
 bool MessageReader::accept(char c)
 {
-    if (m_rest.empty() || m_rest.front() != c) {
+    if (m_rest.empty() || m_rest.front() != c)
         return false;
-    }
     m_rest.remove_prefix(1);
     return true;
 }
@@ -131,20 +124,17 @@ void MessageReader::readParameters(MessageUnit &unit)
         unit.parameters.push_back(readParameter());
         (void)skipBlanks();
     } while (accept(','));
-    if (!m_rest.empty() && peek() != ';') {
+    if (!m_rest.empty() && peek() != ';')
         fail(ErrorCode::Syntax);
-    }
 }
 
 std::string_view MessageReader::readName()
 {
-    if (!isLetter(peek())) {
+    if (!isLetter(peek()))
         fail(ErrorCode::Syntax);
-    }
     std::size_t length = 1;
-    while (length < m_rest.size() && isNameCharacter(m_rest[length])) {
+    while (length < m_rest.size() && isNameCharacter(m_rest[length]))
         ++length;
-    }
     const std::string_view name = m_rest.substr(0, length);
     m_rest.remove_prefix(length);
     return name;
@@ -159,9 +149,8 @@ Parameter MessageReader::readParameter()
     case '#':
         return readBlock();
     default:
-        if (isLetter(peek())) {
+        if (isLetter(peek()))
             return {Parameter::Kind::Word, 0, toUpper(readName())};
-        }
         return readNumber();
     }
 }
@@ -169,25 +158,21 @@ Parameter MessageReader::readParameter()
 Parameter MessageReader::readNumber()
 {
     std::string_view digits = m_rest;
-    if (peek() == '+' && digits.size() > 1 && digits[1] != '-') {
+    if (peek() == '+' && digits.size() > 1 && digits[1] != '-')
         digits.remove_prefix(1); // from_chars takes no plus sign
-    }
     Parameter result;
     result.kind = Parameter::Kind::Number;
     const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), result.number);
-    if (error == std::errc::invalid_argument || !std::isfinite(result.number)) { // from_chars takes "-inf"
+    if (error == std::errc::invalid_argument || !std::isfinite(result.number)) // from_chars takes "-inf"
         fail(ErrorCode::Syntax);
-    }
-    if (error == std::errc::result_out_of_range) {
+    if (error == std::errc::result_out_of_range)
         fail(ErrorCode::ExponentTooLarge);
-    }
     m_rest.remove_prefix(static_cast<std::size_t>(end - m_rest.data()));
     (void)skipBlanks();
-    if (accept('%')) {
+    if (accept('%'))
         result.text = '%';
-    } else if (isLetter(peek())) {
+    else if (isLetter(peek()))
         result.text = toUpper(readName());
-    }
     return result;
 }
 
@@ -199,14 +184,12 @@ Parameter MessageReader::readString()
     do { // a doubled quote continues the text with one quote
         m_rest.remove_prefix(1);
         const std::size_t end = m_rest.find(quote);
-        if (end == std::string_view::npos) {
+        if (end == std::string_view::npos)
             fail(ErrorCode::InvalidString);
-        }
         result.text += m_rest.substr(0, end);
         m_rest.remove_prefix(end + 1);
-        if (peek() == quote) {
+        if (peek() == quote)
             result.text += quote;
-        }
     } while (peek() == quote);
     return result;
 }
@@ -217,15 +200,13 @@ Parameter MessageReader::readBlock()
     const std::size_t digits =
         m_rest.size() > 1 && isDigit(m_rest[1]) ? static_cast<std::size_t>(m_rest[1] - '0') : 0;
     std::size_t length = 0;
-    if (digits == 0 || m_rest.size() < 2 + digits) {
+    if (digits == 0 || m_rest.size() < 2 + digits)
         fail(ErrorCode::InvalidBlock);
-    }
     const char *const lengthEnd = m_rest.data() + 2 + digits;
     const auto [end, error] = std::from_chars(m_rest.data() + 2, lengthEnd, length);
-    if (error != std::errc() || end != lengthEnd || m_rest.size() - 2 - digits < length) {
+    if (error != std::errc() || end != lengthEnd || m_rest.size() - 2 - digits < length)
         fail(ErrorCode::InvalidBlock);
-    }
-    const Parameter result{Parameter::Kind::Block, 0, std::string(m_rest.substr(2 + digits, length))};
+    Parameter result{Parameter::Kind::Block, 0, std::string(m_rest.substr(2 + digits, length))};
     m_rest.remove_prefix(2 + digits + length);
     return result;
 }

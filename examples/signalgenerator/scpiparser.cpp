@@ -11,9 +11,8 @@ namespace {
 std::string headerOf(const MessageUnit &unit)
 {
     std::string header;
-    for (const std::string &node : unit.nodes) {
+    for (const std::string &node : unit.nodes)
         header += (header.empty() ? "" : ":") + node;
-    }
     return unit.query ? header + '?' : header;
 }
 
@@ -50,16 +49,14 @@ std::string ScpiParser::execute(std::string_view line)
     for (;;) {
         try {
             MessageUnit unit;
-            if (!reader.next(unit)) {
+            if (!reader.next(unit))
                 return replies;
-            }
             const std::string reply = executeUnit(unit);
             replies += (replies.empty() || reply.empty() ? "" : ";") + reply;
         } catch (const ScpiError &error) {
             m_errors.push(error.code(), error.what());
-            if (isCommandError(error.code())) {
+            if (isCommandError(error.code()))
                 return replies;
-            }
         }
     }
 }
@@ -69,34 +66,28 @@ std::string ScpiParser::executeUnit(MessageUnit &unit)
     inheritPath(unit);
     const TimeMeasurement measurement(Module::Scpi, "command");
     const Command &command = find(unit);
-    if (unit.parameters.size() < command.count.fewest) {
+    if (unit.parameters.size() < command.count.fewest)
         throw ScpiError(ErrorCode::MissingParameter, headerOf(unit));
-    }
-    if (unit.parameters.size() > command.count.most) {
+    if (unit.parameters.size() > command.count.most)
         throw ScpiError(ErrorCode::ParameterNotAllowed, headerOf(unit));
-    }
     print(Module::Scpi, Level::Info, "%s, %zu parameters", headerOf(unit).c_str(), unit.parameters.size());
     return command.run(unit.parameters);
 }
 
 void ScpiParser::inheritPath(MessageUnit &unit)
 {
-    if (unit.nodes.front().front() == '*') {
+    if (unit.nodes.front().front() == '*')
         return; // common commands stand outside the tree and leave the path as it is
-    }
-    if (!unit.absolute) {
+    if (!unit.absolute)
         unit.nodes.insert(unit.nodes.begin(), m_path.begin(), m_path.end());
-    }
     m_path.assign(unit.nodes.begin(), unit.nodes.end() - 1);
 }
 
 const ScpiParser::Command &ScpiParser::find(const MessageUnit &unit) const
 {
-    for (const Command &command : m_commands) {
-        if (command.query == unit.query && command.pattern.matches(unit.nodes)) {
+    for (const Command &command : m_commands)
+        if (command.query == unit.query && command.pattern.matches(unit.nodes))
             return command;
-        }
-    }
     throw ScpiError(ErrorCode::UndefinedHeader, headerOf(unit));
 }
 

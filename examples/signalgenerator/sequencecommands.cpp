@@ -11,9 +11,8 @@ constexpr std::size_t longestList = 1000;
 
 void requireMode(FrequencyMode mode, const Parts &parts)
 {
-    if (!parts.database.snapshot().is(ParameterId::FrequencyMode, static_cast<int>(mode))) {
+    if (!parts.database.snapshot().is(ParameterId::FrequencyMode, static_cast<int>(mode)))
         throw ScpiError(ErrorCode::SettingsConflict, "FREQuency:MODE");
-    }
 }
 
 void startSweep(const Parts &parts)
@@ -37,9 +36,8 @@ std::vector<double> listOf(const Parameters &parameters, const ParameterInfo &in
     std::vector<double> values;
     for (const Parameter &parameter : parameters) {
         const double value = parameter.in(info.unit);
-        if (value < info.minimum || value > info.maximum) {
+        if (value < info.minimum || value > info.maximum)
             throw ScpiError(ErrorCode::OutOfRange, formatted(value));
-        }
         values.push_back(value);
     }
     return values;
@@ -47,9 +45,8 @@ std::vector<double> listOf(const Parameters &parameters, const ParameterInfo &in
 
 void storeWaveform(Storage &storage, const Parameters &parameters)
 {
-    if (parameters[1].kind != Parameter::Kind::Block) {
+    if (parameters[1].kind != Parameter::Kind::Block)
         throw ScpiError(ErrorCode::DataType, parameters[1].text);
-    }
     storage.storeWaveform(textOf(parameters[0]), parameters[1].text);
 }
 

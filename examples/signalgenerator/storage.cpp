@@ -14,9 +14,8 @@ template <typename Map>
 std::string catalogOf(const Map &map)
 {
     std::string names;
-    for (const auto &[name, content] : map) {
+    for (const auto &[name, content] : map)
         names += (names.empty() ? "\"" : ",\"") + name + '"';
-    }
     return names.empty() ? "\"\"" : names;
 }
 
@@ -48,13 +47,11 @@ std::vector<Point> Storage::points() const
     const std::lock_guard<std::mutex> guard(m_mutex);
     const List &list = selectedListLocked();
     const bool oneLevel = list.levels.size() == 1;
-    if (list.frequencies.empty() || (!oneLevel && list.levels.size() != list.frequencies.size())) {
+    if (list.frequencies.empty() || (!oneLevel && list.levels.size() != list.frequencies.size()))
         throw ScpiError(ErrorCode::SettingsConflict, "list " + m_list);
-    }
     std::vector<Point> points;
-    for (std::size_t i = 0; i < list.frequencies.size(); ++i) {
+    for (std::size_t i = 0; i < list.frequencies.size(); ++i)
         points.push_back({list.frequencies[i], list.levels[oneLevel ? 0 : i]});
-    }
     return points;
 }
 
@@ -74,9 +71,8 @@ void Storage::storeWaveform(const std::string &name, std::string samples)
 void Storage::selectWaveform(const std::string &name)
 {
     const std::lock_guard<std::mutex> guard(m_mutex);
-    if (m_waveforms.count(name) == 0) {
+    if (m_waveforms.count(name) == 0)
         throw ScpiError(ErrorCode::NameNotFound, name);
-    }
     m_waveform = name;
 }
 
@@ -107,9 +103,8 @@ Storage::List &Storage::selectedListLocked()
 const Storage::List &Storage::selectedListLocked() const
 {
     const auto list = m_lists.find(m_list);
-    if (list == m_lists.end()) {
+    if (list == m_lists.end())
         throw ScpiError(ErrorCode::SettingsConflict, "no list is selected");
-    }
     return list->second;
 }
 

@@ -41,9 +41,8 @@ void WorkerThread::run(const char *name)
     std::unique_lock<std::mutex> lock(m_mutex);
     for (;;) {
         m_wake.wait(lock, [this] { return m_ending || !m_jobs.empty(); });
-        if (m_jobs.empty()) {
+        if (m_jobs.empty())
             return;
-        }
         const Job job = std::move(m_jobs.front());
         m_jobs.pop_front();
         m_busy = true;
@@ -51,9 +50,8 @@ void WorkerThread::run(const char *name)
         job();
         lock.lock();
         m_busy = false;
-        if (m_jobs.empty()) {
+        if (m_jobs.empty())
             m_idle.notify_all();
-        }
     }
 }
 

@@ -47,9 +47,8 @@ TEST_F(ExampleHost, RunsTheShippedScript)
          {"        command thread) <  SG4000-Console> <   traffic   >, <        Info>: -> *IDN?\r\n",
           "          sweep thread) ", "         kernel thread) ", "       hardware thread) ",
           "<     Warning>: aborted at point ", "<       Error>: error queue is full",
-          "<   Time Meas>: synthesizer: "}) {
+          "<   Time Meas>: synthesizer: "})
         EXPECT_TRUE(contains(file, part)) << part;
-    }
     EXPECT_TRUE(contains(m_output, "<- Velmora,SG4000,100001,1.0.0\n"));
     EXPECT_TRUE(contains(m_output, "<- 0,\"No error\"\n"));
     EXPECT_TRUE(contains(m_output, "-> *IDN?\n")) << "the library's lines are on the standard output too";

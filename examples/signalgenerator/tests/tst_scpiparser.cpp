@@ -29,9 +29,8 @@ protected:
     {
         m_parser.addSetting(pattern, count, [this, pattern, unit](const Parameters &parameters) {
             m_calls += pattern;
-            for (const Parameter &parameter : parameters) {
+            for (const Parameter &parameter : parameters)
                 m_calls += '=' + std::to_string(parameter.in(unit));
-            }
             m_calls += ' ';
         });
     }
@@ -70,9 +69,8 @@ TEST_F(Parser, KnowsLongAndShortFormsAndOptionalNodes)
     }
     EXPECT_EQ(calls("POW:IMM 5"), calls("POWER:LEVEL:IMMEDIATE:AMPLITUDE 5"));
     for (const char *line : {"FREQU 5", "FRE 5", "FREQ:CW:FIX 5", "FREQ:SOUR 5", "SOUR 5", "SOUR:SOUR:FREQ 5",
-                             "FREQ:CW? ", "*IDN", "*RST?", "POW:AMPL:LEV 5"}) {
+                             "FREQ:CW? ", "*IDN", "*RST?", "POW:AMPL:LEV 5"})
         EXPECT_EQ(error(line), ErrorCode::UndefinedHeader) << line;
-    }
 }
 
 TEST_F(Parser, ScalesSuffixes)
@@ -110,13 +108,11 @@ TEST_F(Parser, ReadsStringsAndBlocks)
     EXPECT_EQ(calls("NAME \"\""), " ");
     EXPECT_EQ(calls("NAME #15a;\"'b;*RST"), "a;\"'b *RST ");
     EXPECT_EQ(calls("NAME #210abcdefghij"), "abcdefghij ");
-    for (const char *line : {"NAME \"a", "NAME 'a\"", "NAME 'it''s"}) {
+    for (const char *line : {"NAME \"a", "NAME 'a\"", "NAME 'it''s"})
         EXPECT_EQ(error(line), ErrorCode::InvalidString) << line;
-    }
     for (const char *line : {"NAME #", "NAME #0abc", "NAME #19abc", "NAME #2", "NAME #21", "NAME #2x1ab",
-                             "NAME #x", "NAME #9999999999"}) {
+                             "NAME #x", "NAME #9999999999"})
         EXPECT_EQ(error(line), ErrorCode::InvalidBlock) << line;
-    }
 }
 
 TEST_F(Parser, ReportsWhatIsWrong)
@@ -145,9 +141,8 @@ TEST_F(Parser, ReportsWhatIsWrong)
         {"FREQ -nan(1)", ErrorCode::Syntax},
         {"FREQ 1e999", ErrorCode::ExponentTooLarge},
     };
-    for (const auto &[line, code] : rows) {
+    for (const auto &[line, code] : rows)
         EXPECT_EQ(error(line), code) << line;
-    }
 }
 
 TEST_F(Parser, KeepsWhatCameBeforeASyntaxErrorAndSkipsTheRest)
@@ -162,9 +157,8 @@ TEST_F(Parser, KeepsWhatCameBeforeASyntaxErrorAndSkipsTheRest)
 TEST(ErrorQueue, TurnsTheLastEntryIntoAnOverflow)
 {
     ErrorQueue errors;
-    for (std::size_t i = 0; i < ErrorQueue::capacity + 2; ++i) {
+    for (std::size_t i = 0; i < ErrorQueue::capacity + 2; ++i)
         errors.push(ErrorCode::Syntax, "a \"quoted\" " + std::to_string(i));
-    }
     EXPECT_EQ(errors.count(), ErrorQueue::capacity);
     EXPECT_EQ(errors.take(), "-102,\"Syntax error;a 'quoted' 0\"");
     const std::string all = errors.takeAll();
