@@ -5,7 +5,9 @@
 cmake_minimum_required(VERSION 3.25)
 
 # The program is some thirty times slower than alone. fair-sched: threads that spin get no more than their share.
-set(valgrind_command ${VALGRIND} --tool=helgrind --error-exitcode=9 --fair-sched=try --suppressions=${SUPPRESSIONS})
+# trace-children: a test program may start itself once more, with an environment of its own, before it runs tests.
+set(valgrind_command ${VALGRIND} --tool=helgrind --error-exitcode=9 --fair-sched=try --suppressions=${SUPPRESSIONS}
+    --trace-children=yes --trace-children-skip=/bin/*,/usr/bin/*)
 set(slow_down 10)
 set(kept_properties WORKING_DIRECTORY RUN_SERIAL RESOURCE_LOCK SKIP_REGULAR_EXPRESSION)
 

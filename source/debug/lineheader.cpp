@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstring>
 
 namespace Zorvan {
 
@@ -36,12 +37,15 @@ private:
     std::string m_text; // "hh:mm:ss": formatting a date costs more than writing a line
 };
 
-/// '.' and three digits: a general formatter would take longer than all the rest of the header.
-void appendThreeDigits(std::string &line, int number)
+/// Writes ".ddd"; returns the place behind it. A general formatter would take longer than all the rest of the
+/// header.
+char *writeThreeDigits(char *to, int number)
 {
-    const auto digit = [](int value) { return static_cast<char>('0' + value % 10); };
-    const char piece[] = {'.', digit(number / 100), digit(number / 10), digit(number)};
-    line.append(piece, sizeof piece);
+    *to++ = '.';
+    *to++ = static_cast<char>('0' + number / 100);
+    *to++ = static_cast<char>('0' + number / 10 % 10);
+    *to++ = static_cast<char>('0' + number % 10);
+    return to;
 }
 
 StampClock &stampClock()
@@ -83,9 +87,9 @@ void StampClock::append(std::string &line, HostCalls hostCalls)
         m_textSecond = whole;
     }
     line += m_text;
-    appendThreeDigits(line, micros / 1000);
-    appendThreeDigits(line, micros % 1000);
-    line += ": ";
+    char piece[] = ".mmm.uuu: ";
+    writeThreeDigits(writeThreeDigits(piece, micros / 1000), micros % 1000);
+    line.append(piece, sizeof piece - 1);
 }
 
 void appendThread(std::string &line, HostCalls hostCalls)
@@ -98,11 +102,16 @@ void appendThread(std::string &line, HostCalls hostCalls)
                         std::snprintf(piece, sizeof piece, "(thread %p) ", platform::currentThreadId())));
         return;
     }
-    constexpr std::size_t nameWidth = 15; // shorter names are right-aligned, longer ones never cut
     const char *const given = hostCalls == HostCalls::Allowed ? handler->threadName() : nullptr;
     const std::string_view name = given ? given : "";
+    constexpr std::size_t nameWidth = 15; // shorter names are right-aligned, longer ones never cut
+    char frame[] = "(                thread) ";
+    if (name.size() <= nameWidth) {
+        std::memcpy(frame + 1 + nameWidth - name.size(), name.data(), name.size());
+        line.append(frame, sizeof frame - 1);
+        return;
+    }
     line += '(';
-    line.append(nameWidth - std::min(nameWidth, name.size()), ' ');
     line += name;
     line += " thread) ";
 }

@@ -9,9 +9,9 @@
 #include "debugserverqueue/guibridge.h"
 #include "host/hosthandlers.h"
 #include "platform/errornumber.h"
+#include "platform/standardoutput.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <cstring>
 #include <optional>
 
@@ -116,8 +116,7 @@ void callReceiver(OutputReceiver receiver, moduleId module, int cls, int level, 
 void callLineTap(OutputPath &path, IUtilityInterface &tap, const std::string &line)
 {
     QString text = std::move(path.spareText);
-    text.resize(static_cast<int>(line.size()));
-    std::transform(line.begin(), line.end(), text.begin(), [](char c) { return QLatin1Char(c); });
+    text = QLatin1String(line.data(), static_cast<int>(line.size()));
     tap.outputLine(text);
     if (line.size() <= largestSpareBuffer)
         path.spareText = std::move(text);
@@ -126,8 +125,7 @@ void callLineTap(OutputPath &path, IUtilityInterface &tap, const std::string &li
 void writeStandardOutput(std::string &line)
 {
     line += '\n';
-    std::fwrite(line.data(), 1, line.size(), stdout);
-    std::fflush(stdout); // a crash must not lose the last lines
+    platform::writeStandardOutput(line);
     line.resize(line.size() - 1);
 }
 
@@ -199,9 +197,10 @@ std::optional<QStringView> printMessage(moduleId module, int cls, QStringView te
     return text;
 }
 
-/// println() for messages that the switches of their module do not refuse at once.
+/// println() for messages that the switches of their module do not refuse at once. The same parameters in the
+/// same places: the call is a jump.
 [[gnu::noinline]] void printUnlessRefused(moduleId module, int cls, const QString &text, int level,
-                                          const char *file, int line)
+                                          int /*reserved*/, const char *file, int line)
 {
     if (!moduleTable().exists()) {
         logText(text, file, line);
@@ -215,11 +214,11 @@ std::optional<QStringView> printMessage(moduleId module, int cls, QStringView te
 
 } // namespace
 
-void Debug::println(moduleId module, int cls, const QString &text, int level, int /*reserved*/,
-                    const char *file, int line)
+void Debug::println(moduleId module, int cls, const QString &text, int level, int reserved, const char *file,
+                    int line)
 {
     if (ModuleTable::quickSwitches().isActive(module, level, cls, [] { return true; }))
-        printUnlessRefused(module, cls, text, level, file, line);
+        printUnlessRefused(module, cls, text, level, reserved, file, line);
 }
 
 void Debug::printFormattedString(moduleId module, int cls, int level, const QString &text)

@@ -1,0 +1,57 @@
+#include "peers.h"
+
+#include <benchmark/benchmark.h>
+#include <spdlog/sinks/base_sink.h>
+#include <spdlog/sinks/basic_file_sink.h>
+#include <spdlog/spdlog.h>
+
+namespace bench {
+
+namespace {
+
+/// Formats each message and drops it; the library's own null sink does not even format.
+class FormattingSink final : public spdlog::sinks::base_sink<std::mutex>
+{
+protected:
+    void sink_it_(const spdlog::details::log_msg &message) override
+    {
+        spdlog::memory_buf_t line;
+        formatter_->format(message, line);
+        benchmark::DoNotOptimize(line.data());
+    }
+    void flush_() override {}
+};
+
+std::shared_ptr<spdlog::logger> makeLogger(std::shared_ptr<spdlog::sinks::sink> sink)
+{
+    auto logger = std::make_shared<spdlog::logger>("Measured", std::move(sink));
+    logger->set_pattern("%H:%M:%S.%f: (%15t thread) <%n> <%l>: %v");
+    logger->flush_on(spdlog::level::trace);
+    return logger;
+}
+
+Subject refused()
+{
+    const auto logger = makeLogger(std::make_shared<FormattingSink>());
+    logger->set_level(spdlog::level::warn);
+    return {"spdlog, disabled level", repeated([logger] { logger->info(messageText); })};
+}
+
+Subject toFile(const std::string &folder)
+{
+    const auto logger =
+        makeLogger(std::make_shared<spdlog::sinks::basic_file_sink_mt>(folder + "spdlog.log"));
+    return {"spdlog to a file", repeated([logger] { logger->info(messageText); })};
+}
+
+Subject formatted()
+{
+    const auto logger = makeLogger(std::make_shared<FormattingSink>());
+    return {"spdlog, formatting only", repeated([logger] { logger->info(messageText); })};
+}
+
+const bool s_added = addPeer({"spdlog", refused, toFile, formatted});
+
+} // namespace
+
+} // namespace bench
