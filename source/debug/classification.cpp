@@ -46,13 +46,12 @@ void printClassMask(moduleId id)
 {
     if (!Debug::isActive(libraryModule, noticeLevel, 0))
         return;
-    ModuleTable &table = moduleTable();
-    const platform::Locked guard(table.lock());
-    if (const Module *const module = table.find(id)) {
+    const TableLock guard;
+    if (const Module *const module = moduleTable().find(id)) {
         printNotice(QStringLiteral("new message class mask for module ") + fromLatin1(module->name)
                     + QLatin1Char(':'));
     }
-    if (const Module *const module = table.find(id)) // again: printing ran host code
+    if (const Module *const module = moduleTable().find(id)) // again: printing ran host code
         printNotice(classMask(*module));
 }
 
@@ -60,9 +59,8 @@ void printClassMask(moduleId id)
 /// special numbers keep an entry of their own besides, which says what messages of that class number get.
 void switchClass(moduleId id, int cls, bool enable)
 {
-    ModuleTable &table = moduleTable();
-    const platform::Locked guard(table.lock());
-    const Module *const module = table.find(id);
+    const TableLock guard;
+    const Module *const module = moduleTable().find(id);
     if (module == nullptr)
         return;
     if (cls == everyClass || cls == everyClassInverted) {
@@ -100,8 +98,7 @@ void Debug::disableMessageClassType(moduleId module, int cls)
 
 void Debug::enableClasses(moduleId module, const QString &spec)
 {
-    ModuleTable &table = moduleTable();
-    const platform::Locked guard(table.lock()); // others see one change, not one for each class
+    const TableLock guard; // others see one change, not one for each class
     // Words count anywhere in the text: "small" enables everything, "nonetheless" nothing.
     const QString wanted = spec.toLower();
     if (wanted.contains(QLatin1String("none"))) {
@@ -122,11 +119,10 @@ void Debug::enableClasses(moduleId module, const QString &spec)
 
 QString Debug::getEnabledMessageClasses(moduleId id)
 {
-    ModuleTable &table = moduleTable();
-    const platform::Locked guard(table.lock());
-    if (!table.exists())
+    const TableLock guard;
+    if (!moduleTable().exists())
         return QString();
-    const Module *const module = table.find(id);
+    const Module *const module = moduleTable().find(id);
     if (module == nullptr)
         return QStringLiteral("none");
     bool all = true;
@@ -145,9 +141,8 @@ QString Debug::getEnabledMessageClasses(moduleId id)
 
 void Debug::enableLevel(moduleId id, const QString &spec)
 {
-    ModuleTable &table = moduleTable();
-    const platform::Locked guard(table.lock());
-    const Module *const module = table.find(id);
+    const TableLock guard;
+    const Module *const module = moduleTable().find(id);
     if (module == nullptr)
         return;
     const Descriptions *const levels = module->levels;
@@ -170,9 +165,8 @@ void Debug::enableLevel(moduleId id, const QString &spec)
 
 QString Debug::getEnabledMessageLevel(moduleId id)
 {
-    ModuleTable &table = moduleTable();
-    const platform::Locked guard(table.lock());
-    const Module *const module = table.find(id);
+    const TableLock guard;
+    const Module *const module = moduleTable().find(id);
     if (module == nullptr)
         return QString();
     const int level = module->clippingLevel;
@@ -182,13 +176,12 @@ QString Debug::getEnabledMessageLevel(moduleId id)
 void Debug::setClippingLevel(moduleId id, int level)
 {
     {
-        ModuleTable &table = moduleTable();
-        const platform::Locked guard(table.lock());
-        Module *const module = table.find(id);
+        const TableLock guard;
+        Module *const module = moduleTable().find(id);
         if (module == nullptr)
             return;
         module->clippingLevel = std::min(level, module->levels->count() - 1);
-        table.switchesChanged(id);
+        moduleTable().switchesChanged(id);
     }
     setupOutputEnabled(true);
     if (!hasGlobalReceiver())
@@ -197,11 +190,10 @@ void Debug::setClippingLevel(moduleId id, int level)
 
 int Debug::getClippingLevel(moduleId id)
 {
-    ModuleTable &table = moduleTable();
-    const platform::Locked guard(table.lock());
-    if (!table.exists())
+    const TableLock guard;
+    if (!moduleTable().exists())
         return 0;
-    const Module *const module = table.find(id);
+    const Module *const module = moduleTable().find(id);
     return module ? module->clippingLevel : -1;
 }
 

@@ -61,9 +61,8 @@ bool wasLastUser()
 
 void releaseTables()
 {
-    ModuleTable &table = moduleTable();
-    const platform::Locked guard(table.lock());
-    table.release();
+    const TableLock guard;
+    moduleTable().release();
     outputFile().beginRun();
     displayflags::reset();
     setupOutputEnabled(true); // as before the first start

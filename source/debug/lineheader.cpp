@@ -125,8 +125,7 @@ void appendLineHeader(std::string &line, moduleId id, int cls, int level, unsign
         stampClock().append(line, hostCalls);
     if (has(flags, threadId))
         appendThread(line, hostCalls);
-    ModuleTable &table = moduleTable();
-    const Module *const module = id < table.count() ? table.find(id) : nullptr;
+    const Module *const module = id < moduleTable().count() ? moduleTable().find(id) : nullptr;
     if (has(flags, moduleName))
         line += module ? std::string_view(module->prefix) : "<given module ID out of range>";
     if (module == nullptr)

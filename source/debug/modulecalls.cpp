@@ -31,9 +31,8 @@ void describe(moduleId id, const Descriptions *Module::*kind, int count, const c
               const char *keySuffix, const char *defaultSpec, void (*apply)(moduleId, const QString &))
 {
     {
-        ModuleTable &table = moduleTable();
-        const platform::Locked guard(table.lock());
-        Module *const module = table.find(id);
+        const TableLock guard;
+        Module *const module = moduleTable().find(id);
         if (module == nullptr)
             return;
         module->*kind = Descriptions::intern(count, descriptions);
@@ -45,9 +44,8 @@ void describe(moduleId id, const Descriptions *Module::*kind, int count, const c
 
 const char **descriptionsOf(moduleId id, const Descriptions *Module::*kind, int *count)
 {
-    ModuleTable &table = moduleTable();
-    const platform::Locked guard(table.lock());
-    const Module *const module = table.find(id);
+    const TableLock guard;
+    const Module *const module = moduleTable().find(id);
     const Descriptions *const descriptions = module ? module->*kind : Descriptions::none();
     if (count)
         *count = descriptions->count();
@@ -58,64 +56,59 @@ const char **descriptionsOf(moduleId id, const Descriptions *Module::*kind, int 
 
 void checkConfig()
 {
-    ModuleTable &table = moduleTable();
-    const platform::Locked guard(table.lock());
-    table.build();
+    const TableLock guard;
+    moduleTable().build();
 }
 
 moduleId Debug::createModule(const char *name, const char *description)
 {
-    ModuleTable &table = moduleTable();
-    const platform::Locked guard(table.lock());
+    const TableLock guard;
     if (name && std::strcmp(name, "DebugServerClient") == 0) {
         checkConfig();
         guibridge::setClientMode();
     }
     // -1 without a table: any other id would belong to a module made after initDebug().
-    const moduleId id = table.add();
+    const moduleId id = moduleTable().add();
     setModuleDescription(id, name, description);
     return id;
 }
 
 void Debug::setModuleDescription(moduleId id, const char *name, const char *description)
 {
-    ModuleTable &table = moduleTable();
     {
-        const platform::Locked guard(table.lock());
-        Module *const module = table.find(id);
+        const TableLock guard;
+        Module *const module = moduleTable().find(id);
         if (module == nullptr)
             return;
         module->description = description ? description : "";
-        table.rename(id, name ? name : "");
+        moduleTable().rename(id, name ? name : "");
     }
     guibridge::requestRebuild();
 }
 
 QString Debug::getModuleName(moduleId id)
 {
-    ModuleTable &table = moduleTable();
-    const platform::Locked guard(table.lock());
-    const Module *const module = table.find(id);
+    const TableLock guard;
+    const Module *const module = moduleTable().find(id);
     return module ? getNormalizedName(fromLatin1(module->prefix)) : QString();
 }
 
 const char **Debug::getModuleNames(int *count, int **ids)
 {
-    ModuleTable &table = moduleTable();
-    const platform::Locked guard(table.lock());
-    if (!table.exists()) {
+    const TableLock guard;
+    if (!moduleTable().exists()) {
         if (count)
             *count = 0;
         if (ids)
             *ids = nullptr;
         return nullptr;
     }
-    const int number = table.count();
+    const int number = moduleTable().count();
     auto *const names = new const char *[static_cast<std::size_t>(number)];
     if (ids)
         *ids = new int[static_cast<std::size_t>(number)];
     for (moduleId id = 0; id < number; ++id) {
-        names[id] = newCopy(table.find(id)->prefix);
+        names[id] = newCopy(moduleTable().find(id)->prefix);
         if (ids)
             (*ids)[id] = id;
     }
@@ -124,7 +117,7 @@ const char **Debug::getModuleNames(int *count, int **ids)
     return names;
 }
 
-void Debug::releaseModuleNames(const char **names, int count, int *ids)
+void Debug::releaseModuleNames(const char **names, int count, const int *ids)
 {
     for (int i = 0; names && i < count; ++i)
         delete[] names[i];

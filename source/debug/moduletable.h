@@ -98,6 +98,16 @@ private:
 /// The one table of the process, never destroyed: static objects of the host may print.
 ModuleTable &moduleTable();
 
+/// Locks the one table for a scope.
+class ZORVAN_SCOPED_CAPABILITY TableLock
+{
+public:
+    TableLock() ZORVAN_ACQUIRE(moduleTable().lock()) { moduleTable().lock().lock(); }
+    ~TableLock() ZORVAN_RELEASE() { moduleTable().lock().unlock(); }
+    TableLock(const TableLock &) = delete;
+    TableLock &operator=(const TableLock &) = delete;
+};
+
 /// Builds the table anew with its predefined modules; they have no classes and levels yet.
 void checkConfig();
 

@@ -26,12 +26,11 @@ Gate s_gate;
 /// Only while the gate is open can the switches of the modules answer for themselves.
 void changeGate(unsigned mask, bool on)
 {
-    ModuleTable &table = moduleTable();
-    const platform::Locked guard(table.lock());
+    const TableLock guard;
     const unsigned old = s_gate.bits.load(std::memory_order_relaxed);
     const unsigned bits = on ? old | mask : old & ~mask;
     s_gate.bits.store(bits, std::memory_order_relaxed);
-    table.answerQuickly(bits == Gate::open);
+    moduleTable().answerQuickly(bits == Gate::open);
 }
 
 /// The mode in which only critical messages pass. Read from the host's settings at the first question, never
@@ -73,10 +72,10 @@ bool isSmokeTest()
     return on;
 }
 
-bool anyModuleActive(ModuleTable &table) ZORVAN_REQUIRES(table.lock())
+bool anyModuleActive() ZORVAN_REQUIRES(moduleTable().lock())
 {
-    for (moduleId id = 0; id < table.count(); ++id) {
-        const Module *const module = table.find(id);
+    for (moduleId id = 0; id < moduleTable().count(); ++id) {
+        const Module *const module = moduleTable().find(id);
         if (module->clippingLevel >= 0 && module->hasEnabledClass())
             return true;
     }
@@ -86,20 +85,19 @@ bool anyModuleActive(ModuleTable &table) ZORVAN_REQUIRES(table.lock())
 void waitForStart()
 {
     if (s_gate.has(Gate::starting))
-        const platform::Locked wait(moduleTable().lock()); // held by the starting thread, which passes itself
+        const TableLock wait; // held by the starting thread, which passes itself
 }
 
 /// Gives the module a prefix if it has none. False if there is no such module.
 bool askedAbout(moduleId id)
 {
-    ModuleTable &table = moduleTable();
-    const platform::Locked guard(table.lock());
-    const Module *const module = table.find(id);
+    const TableLock guard;
+    const Module *const module = moduleTable().find(id);
     if (module == nullptr)
         return false;
-    if (module->inUse || id >= table.count()) // an id not handed out yet is left for a later module
+    if (module->inUse || id >= moduleTable().count()) // an id not handed out yet is left for a later module
         return true;
-    table.takeIntoUse(id);
+    moduleTable().takeIntoUse(id);
     guibridge::requestRebuild();
     return true;
 }
@@ -107,11 +105,10 @@ bool askedAbout(moduleId id)
 /// Levels above the clipping level never pass, level 0 passes whatever its class.
 bool passes(moduleId id, int level, int cls)
 {
-    ModuleTable &table = moduleTable();
-    const platform::Locked guard(table.lock());
-    const Module *const module = table.find(id);
+    const TableLock guard;
+    const Module *const module = moduleTable().find(id);
     if (module == nullptr)
-        return !table.exists();
+        return !moduleTable().exists();
     return level <= module->clippingLevel && (level == 0 || module->isClassEnabled(cls));
 }
 
@@ -131,11 +128,10 @@ bool passes(moduleId id, int level, int cls)
 
 void setupOutputEnabled(bool enable)
 {
-    ModuleTable &table = moduleTable();
-    const platform::Locked guard(table.lock());
+    const TableLock guard;
     s_gate.enabled.store(enable, std::memory_order_relaxed);
     // Found out first and stored once: other threads ask meanwhile.
-    const bool active = enable && (!table.exists() || anyModuleActive(table));
+    const bool active = enable && (!moduleTable().exists() || anyModuleActive());
     changeGate(Gate::anyActive, active);
     if (active)
         guibridge::requestRebuild();
@@ -147,14 +143,15 @@ bool outputEnabled()
 }
 
 StartScope::StartScope()
-    : m_guard(moduleTable().lock())
 {
+    moduleTable().lock().lock();
     changeGate(Gate::starting, true);
 }
 
 StartScope::~StartScope()
 {
     changeGate(Gate::starting, false);
+    moduleTable().lock().unlock();
 }
 
 bool Debug::isActive(moduleId module, int level, int cls)
@@ -172,9 +169,8 @@ int Debug::getActiveLevel(moduleId id, int cls)
         return moduleTable().exists() ? -1 : 1;
     if (s_smokeTestOfActiveLevel.isOn())
         return 0;
-    ModuleTable &table = moduleTable();
-    const platform::Locked guard(table.lock());
-    const Module *const module = table.find(id);
+    const TableLock guard;
+    const Module *const module = moduleTable().find(id);
     return module && module->clippingLevel >= 0 && module->isClassEnabled(cls) ? module->clippingLevel : -1;
 }
 

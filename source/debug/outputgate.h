@@ -13,16 +13,13 @@ void setupOutputEnabled(bool enable);
 
 /// The time in which the start builds and describes the modules one by one, with the table locked. Questions
 /// of other threads wait for its end: half-described modules would refuse their messages.
-class StartScope
+class ZORVAN_SCOPED_CAPABILITY StartScope
 {
 public:
-    StartScope();
-    ~StartScope();
+    StartScope() ZORVAN_ACQUIRE(moduleTable().lock());
+    ~StartScope() ZORVAN_RELEASE();
     StartScope(const StartScope &) = delete;
     StartScope &operator=(const StartScope &) = delete;
-
-private:
-    platform::Locked<platform::RecursiveLock> m_guard;
 };
 
 } // namespace Zorvan

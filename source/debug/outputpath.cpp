@@ -45,23 +45,23 @@ class LineBuffer
 public:
     explicit LineBuffer(OutputPath &path)
         : m_path(path)
-        , bytes(std::move(path.spareLine))
+        , m_bytes(std::move(path.spareLine))
     {
-        bytes.clear();
+        m_bytes.clear();
     }
     ~LineBuffer()
     {
-        if (bytes.capacity() <= largestSpareBuffer)
-            m_path.spareLine = std::move(bytes);
+        if (m_bytes.capacity() <= largestSpareBuffer)
+            m_path.spareLine = std::move(m_bytes);
     }
     LineBuffer(const LineBuffer &) = delete;
     LineBuffer &operator=(const LineBuffer &) = delete;
 
+    [[nodiscard]] std::string &bytes() { return m_bytes; } // Latin-1
+
 private:
     OutputPath &m_path;
-
-public:
-    std::string bytes; // Latin-1
+    std::string m_bytes;
 };
 
 /// Counts a host callback for its duration.
@@ -164,16 +164,16 @@ void printOneLine(moduleId module, int cls, QStringView text, int level) ZORVAN_
     {
         const CallbackScope scope(path);
         const bool tooDeep = path.callbackDepth > deepestCallback;
-        appendLineHeader(line.bytes, module, cls, level, flags,
+        appendLineHeader(line.bytes(), module, cls, level, flags,
                          tooDeep ? HostCalls::Forbidden : HostCalls::Allowed);
     }
     if (path.filter.isActive()) {
-        const QString whole = fromLatin1(line.bytes) + text.toString();
+        const QString whole = fromLatin1(line.bytes()) + text.toString();
         if (!path.filter.passes(whole, displayflags::has(flags, displayflags::moduleName)))
             return;
     }
-    appendLatin1(line.bytes, text);
-    deliver(path, module, cls, level, line.bytes);
+    appendLatin1(line.bytes(), text);
+    deliver(path, module, cls, level, line.bytes());
 }
 
 /// Prints a message line by line. What it returns could not be printed: the library has stopped, perhaps in
@@ -181,9 +181,8 @@ void printOneLine(moduleId module, int cls, QStringView text, int level) ZORVAN_
 std::optional<QStringView> printMessage(moduleId module, int cls, QStringView text, int level)
 {
     const platform::ErrorNumberKept kept;
-    ModuleTable &table = moduleTable();
-    const platform::Locked guard(table.lock()); // the lines of a message stay together
-    while (table.exists()) {
+    const TableLock guard; // the lines of a message stay together
+    while (moduleTable().exists()) {
         const qsizetype end = text.indexOf(u'\n');
         if (end < 0) {
             printOneLine(module, cls, text, level);
@@ -223,15 +222,14 @@ void Debug::println(moduleId module, int cls, const QString &text, int level, in
 
 void Debug::printFormattedString(moduleId module, int cls, int level, const QString &text)
 {
-    ModuleTable &table = moduleTable();
-    const platform::Locked guard(table.lock());
+    const TableLock guard;
     OutputPath &path = outputPath();
     const bool moduleNameShown = displayflags::has(displayflags::word(), displayflags::moduleName);
     if (path.filter.isActive() && !path.filter.passes(text, moduleNameShown))
         return;
     LineBuffer line(path);
-    appendLatin1(line.bytes, text);
-    deliver(path, module, cls, level, line.bytes);
+    appendLatin1(line.bytes(), text);
+    deliver(path, module, cls, level, line.bytes());
 }
 
 void Debug::clear()
@@ -241,44 +239,38 @@ void Debug::clear()
 
 void Debug::setOutputFilter(const QString &pattern)
 {
-    ModuleTable &table = moduleTable();
-    const platform::Locked guard(table.lock());
+    const TableLock guard;
     outputPath().filter.setPattern(pattern);
 }
 
 QString Debug::getOutputFilter()
 {
-    ModuleTable &table = moduleTable();
-    const platform::Locked guard(table.lock());
+    const TableLock guard;
     return outputPath().filter.pattern();
 }
 
 void Debug::setLevelFilter(const QString &entries)
 {
-    ModuleTable &table = moduleTable();
-    const platform::Locked guard(table.lock());
+    const TableLock guard;
     outputPath().filter.setEntries(entries);
 }
 
 QString Debug::getLevelFilter()
 {
-    ModuleTable &table = moduleTable();
-    const platform::Locked guard(table.lock());
+    const TableLock guard;
     return outputPath().filter.entries();
 }
 
 void Debug::setOutputFileName(const char *name)
 {
-    ModuleTable &table = moduleTable();
-    const platform::Locked guard(table.lock());
+    const TableLock guard;
     outputFile().setName(QString::fromLatin1(name));
 }
 
 const char *Debug::getOutputFileName()
 {
     thread_local char buffer[fileNameCapacity];
-    ModuleTable &table = moduleTable();
-    const platform::Locked guard(table.lock());
+    const TableLock guard;
     const QByteArray name = outputFile().name().toLatin1().left(fileNameCapacity - 1);
     std::memcpy(buffer, name.constData(), static_cast<std::size_t>(name.size()) + 1);
     return buffer;
@@ -286,15 +278,13 @@ const char *Debug::getOutputFileName()
 
 void Debug::setMaxOutputFileSize(qint64 bytes)
 {
-    ModuleTable &table = moduleTable();
-    const platform::Locked guard(table.lock());
+    const TableLock guard;
     outputFile().setMaximumSize(bytes);
 }
 
 qint64 Debug::getMaxOutputFileSize()
 {
-    ModuleTable &table = moduleTable();
-    const platform::Locked guard(table.lock());
+    const TableLock guard;
     return outputFile().maximumSize();
 }
 

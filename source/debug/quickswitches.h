@@ -24,7 +24,7 @@ public:
 
     /// Whether a message passes; \a atLength answers what the switches alone cannot.
     template <typename AtLength>
-    bool isActive(moduleId module, int level, int cls, AtLength atLength) const
+    [[nodiscard]] bool isActive(moduleId module, int level, int cls, AtLength atLength) const
     {
         if (static_cast<unsigned>(module) >= m_answered.load(std::memory_order_acquire))
             return atLength();

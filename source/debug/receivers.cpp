@@ -19,17 +19,16 @@ bool hasGlobalReceiver()
 
 void Debug::setOutputReceiver(moduleId id, OutputReceiver receiver)
 {
-    ModuleTable &table = moduleTable();
-    const platform::Locked guard(table.lock());
-    if (!table.exists())
+    const TableLock guard;
+    if (!moduleTable().exists())
         return; // a flag without a table would keep exitDebug() from ever working
     if (id != allModules) {
-        if (Module *const module = table.find(id))
+        if (Module *const module = moduleTable().find(id))
             module->receiver = receiver;
         return;
     }
-    for (moduleId each = 0; each < table.count(); ++each)
-        table.find(each)->receiver = receiver;
+    for (moduleId each = 0; each < moduleTable().count(); ++each)
+        moduleTable().find(each)->receiver = receiver;
     s_globalReceiver.store(receiver != nullptr, std::memory_order_relaxed);
 }
 

@@ -43,7 +43,7 @@ constexpr FlagSetting settingsWords[] = {
     {"activateConsoleOutput", Flag::consoleOutput},
     {"allowProgrammaticClear", Flag::allowProgrammaticClear},
 };
-constexpr QLatin1String disableOutputWord("disableOutput");
+constexpr const char *disableOutputWord = "disableOutput";
 
 bool isSwitchedOn(const char *key)
 {
@@ -54,7 +54,7 @@ bool isSwitchedOn(const char *key)
 
 QString storedFileName()
 {
-    const QString name =
+    QString name =
         host::readString(QStringLiteral("DebugServerFile"), QStringLiteral("GYX_Debug_Output.log"));
     if (!QDir::isRelativePath(name))
         return name;
@@ -63,8 +63,7 @@ QString storedFileName()
 
 void setOutputFile(const QString &name)
 {
-    ModuleTable &table = moduleTable();
-    const platform::Locked guard(table.lock());
+    const TableLock guard;
     outputFile().setName(name);
 }
 
@@ -92,7 +91,7 @@ void Debug::enableSettings(const QString &text)
 {
     for (const FlagSetting &word : settingsWords)
         displayflags::change(word.flag, text.contains(QLatin1String(word.key)));
-    setupOutputEnabled(!text.contains(disableOutputWord));
+    setupOutputEnabled(!text.contains(QLatin1String(disableOutputWord)));
 }
 
 QString Debug::getEnabledSettings()
@@ -104,15 +103,14 @@ QString Debug::getEnabledSettings()
             text += QLatin1String(word.key) + QLatin1Char(',');
     }
     if (!outputEnabled())
-        text += disableOutputWord + QLatin1Char(',');
+        text += QLatin1String(disableOutputWord) + QLatin1Char(',');
     return text;
 }
 
 void Debug::makeCurrentSettingsDefault(moduleId id)
 {
-    ModuleTable &table = moduleTable();
-    const platform::Locked guard(table.lock());
-    const Module *const module = table.find(id);
+    const TableLock guard;
+    const Module *const module = moduleTable().find(id);
     if (module == nullptr || !module->inUse)
         return;
     const QString description = fromLatin1(module->description);

@@ -35,7 +35,7 @@ public:
 
 private:
     void inspectFiles() ZORVAN_REQUIRES(this);
-    std::int64_t inspectFile(const std::string &path) const ZORVAN_REQUIRES(this);
+    [[nodiscard]] std::int64_t inspectFile(const std::string &path) const ZORVAN_REQUIRES(this);
     bool countMessage() ZORVAN_REQUIRES(this);
     void beginLine(const char *file, int line) ZORVAN_REQUIRES(this);
     void appendMessage(const char *format, va_list *arguments) ZORVAN_REQUIRES(this);

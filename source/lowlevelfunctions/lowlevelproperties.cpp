@@ -20,7 +20,7 @@ public:
     platform::Mutex &mutex() ZORVAN_RETURN_CAPABILITY(m_mutex) { return m_mutex; }
 
     void load() ZORVAN_REQUIRES(m_mutex);
-    int value(std::size_t id) const ZORVAN_REQUIRES(m_mutex) { return m_values[id]; }
+    [[nodiscard]] int value(std::size_t id) const ZORVAN_REQUIRES(m_mutex) { return m_values[id]; }
     void store(std::size_t id, int value) ZORVAN_REQUIRES(m_mutex);
 
 private:

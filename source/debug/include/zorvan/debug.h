@@ -170,7 +170,7 @@ public:
     /// new[] and belong to the caller, who may use releaseModuleNames(). Null without a table.
     static const char **getModuleNames(int *count, int **ids = nullptr);
     /// Frees what getModuleNames() returned; null pointers are fine.
-    static void releaseModuleNames(const char **names, int count, int *ids = nullptr);
+    static void releaseModuleNames(const char **names, int count, const int *ids = nullptr);
     /// @}
 
     /// \name Classes and levels
