@@ -28,7 +28,8 @@ void restartWithOwnProgramData(char **argv)
     }
     setenv(dataVariable, folder.c_str(), 1);
     setenv(ownVariable, std::to_string(getpid()).c_str(), 1); // a child of a test gets a folder of its own
-    execv(std::filesystem::read_symlink("/proc/self/exe").c_str(), argv); // the link itself may name a checker
+    execv(std::filesystem::read_symlink("/proc/self/exe").c_str(),
+          argv); // the link itself may name a checker
     std::cerr << "cannot restart " << argv[0] << '\n';
     std::exit(1);
 }

@@ -252,8 +252,8 @@ public:
     static QString getLevelFilter();
 
     /// Names the output file; a relative name is relative to the working directory. It is written while the
-    /// flag activateFileProtocol is set. The first line of a run starts it anew; if the flag was not set then,
-    /// the old file is kept and appended to.
+    /// flag activateFileProtocol is set. The first line of a run starts it anew; if the flag was not set
+    /// then, the old file is kept and appended to.
     static void setOutputFileName(const char *name);
     /// The name, cut at 2,047 characters, in a buffer of the calling thread that the thread's next call
     /// overwrites.
