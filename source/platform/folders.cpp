@@ -15,9 +15,12 @@ namespace {
 /// Seen from the working directory of now: the host may change it later.
 std::string absolute(const std::string &folder)
 {
+    const std::filesystem::path path = std::filesystem::u8path(folder);
+    if (path.has_root_directory())
+        return folder;
     std::error_code failure;
-    const std::filesystem::path path = std::filesystem::absolute(std::filesystem::u8path(folder), failure);
-    return failure ? folder : path.u8string();
+    const std::filesystem::path whole = std::filesystem::absolute(path, failure);
+    return failure ? folder : whole.u8string();
 }
 
 } // namespace

@@ -4,8 +4,10 @@
 #include <zorvan/debug.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <climits>
+#include <cstring>
 #include <ctime>
 #include <filesystem>
 #include <gtest/gtest.h>
@@ -215,6 +217,17 @@ TEST_F(SystemLog, formatWithoutArgumentsReadsNone)
     EXPECT_EQ(messages[0] + messages[1] + messages[3].substr(0, 4), "(null)100%500one 0100%");
     EXPECT_EQ(messages[2].back(), 'b'); // whatever a null character becomes, the text behind it stays
     EXPECT_EQ(messages[3].size(), 4 + 2 * stampLength);
+}
+
+TEST_F(SystemLog, callersErrorNumberIsPrintedAndKept)
+{
+    for (int message = 0; message < 2; ++message) { // the first one makes the channel and looks for its files
+        errno = EBUSY;
+        log(nullptr, "%m");
+        EXPECT_EQ(errno, EBUSY);
+    }
+    const std::string content = readFile(libraryFile(file0));
+    EXPECT_EQ(content.find(std::strerror(ENOENT)), std::string::npos) << content;
 }
 
 TEST_F(SystemLog, longAndUnprintableMessagesStayExact)

@@ -48,7 +48,7 @@ Counts everything(int writers, int lines)
 
 TEST(SystemLogThreads, channelsMayBeDroppedWhileTagsAreUsedForTheFirstTime)
 {
-    constexpr int tags = 100;
+    constexpr int tags = 20;
     std::atomic<int> busy = threadCount;
     inThreads(threadCount + 1, [&](int thread) {
         if (thread == threadCount) {

@@ -21,6 +21,8 @@ TEST(Folders, environmentChoosesTheProgramDataFolder)
     EXPECT_EQ(findProgramDataFolder(), velmoraIn(folder.path()));
     chosen.set("/");
     EXPECT_EQ(findProgramDataFolder(), "/Velmora");
+    chosen.set("relative");
+    EXPECT_NE(findProgramDataFolder().find("relative"), 0U) << "the host may change its working directory";
 }
 
 TEST(Folders, programDataFolderIsFoundOnceAndMadeOnDemand)

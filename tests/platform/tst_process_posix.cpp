@@ -48,6 +48,7 @@ TEST(PosixProcess, startingNeitherLeavesNorStealsChildren)
     EXPECT_EQ(errno, ECHILD);
     const auto handler = std::signal(SIGCHLD, SIG_IGN);
     EXPECT_TRUE(startDetached("true", {})) << "though the host ignores its children";
+    EXPECT_FALSE(startDetached("./nothing", {}));
     std::signal(SIGCHLD, handler);
 }
 

@@ -149,7 +149,7 @@ TEST(Hosts, ForkingWhileOthersPrintNeitherHangsNorLosesALine)
 
 TEST(Hosts, StaticObjectsMayPrint)
 {
-    const ChildResult result = runChild(std::string(PRINTER) + " statics");
+    const ChildResult result = runChild("'" PRINTER "' statics");
     EXPECT_EQ(result.exitCode, 0);
     EXPECT_NE(result.output.find("last words\n"), std::string::npos);
     // The destructor runs while the library is up: it prints as main() did.
@@ -161,13 +161,13 @@ TEST(Hosts, StaticObjectsMayPrint)
 
 TEST(Hosts, AClosedStandardOutputDoesNotStopTheFile)
 {
-    EXPECT_EQ(runChild(std::string(PRINTER) + " closedpipe").exitCode, 0);
+    EXPECT_EQ(runChild("'" PRINTER "' closedpipe").exitCode, 0);
     EXPECT_EQ(linesOf(readFile(libraryFile(outputName))).size(), 3U);
 }
 
 TEST(Hosts, TheLibraryCanBeLoadedAndUnloadedAtRunTime)
 {
-    const ChildResult result = runChild(std::string(LOADER) + ' ' + LIBRARY);
+    const ChildResult result = runChild("'" LOADER "' '" LIBRARY "'");
     EXPECT_EQ(result.exitCode, 0) << "signal " << result.signal;
     EXPECT_NE(result.output.find(": round 0\n"), std::string::npos);
     EXPECT_NE(result.output.find(": round 1\n"), std::string::npos);
