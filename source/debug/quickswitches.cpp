@@ -1,8 +1,20 @@
 #include "debug/quickswitches.h"
 
 #include <algorithm>
+#include <vector>
 
 namespace Zorvan {
+
+namespace {
+
+/// Arrays that are kept because readers may be in the middle of them, and found again by leak checkers.
+std::vector<const void *> &outgrown()
+{
+    static auto *arrays = new std::vector<const void *>; // never destroyed, like what it holds
+    return *arrays;
+}
+
+} // namespace
 
 void QuickSwitches::makeRoom(int count)
 {
@@ -15,7 +27,8 @@ void QuickSwitches::makeRoom(int count)
         grown[i].level.store(present[i].level.load(std::memory_order_relaxed), std::memory_order_relaxed);
         grown[i].classes.store(present[i].classes.load(std::memory_order_relaxed), std::memory_order_relaxed);
     }
-    // The outgrown array stays: readers may be in the middle of it.
+    if (present != nullptr)
+        outgrown().push_back(present);
     m_switches.store(grown, std::memory_order_release);
     m_room = room;
 }

@@ -41,6 +41,7 @@ void printWhenTold(const char *name, int count)
 /// Forks again and again while other threads print and log; each child prints and logs one line.
 void printFromForks(int forks)
 {
+    print(QStringLiteral("parent")); // begins the run: a child would begin it once more
     std::atomic<bool> done{false};
     std::vector<std::thread> printers;
     for (int i = 0; i < 3; ++i) {
