@@ -59,7 +59,7 @@ void printClassMask(moduleId id)
 /// special numbers keep an entry of their own besides, which says what messages of that class number get.
 void switchClass(moduleId id, int cls, bool enable)
 {
-    const TableLock guard;
+    const ChangeScope change;
     const Module *const module = moduleTable().find(id);
     if (module == nullptr)
         return;
@@ -98,7 +98,7 @@ void Debug::disableMessageClassType(moduleId module, int cls)
 
 void Debug::enableClasses(moduleId module, const QString &spec)
 {
-    const TableLock guard; // others see one change, not one for each class
+    const ChangeScope change; // one for other threads, not one for each class
     // Words count anywhere in the text: "small" enables everything, "nonetheless" nothing.
     const QString wanted = spec.toLower();
     if (wanted.contains(QLatin1String("none"))) {

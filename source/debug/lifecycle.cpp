@@ -33,7 +33,7 @@ void endWithApplication()
 
 void buildModules()
 {
-    const StartScope starting;
+    const ChangeScope change;
     checkConfig();
     for (moduleId id = 0; id < moduleTable().capacity(); ++id) {
         Debug::setMessageLevelDescriptions(id, static_cast<int>(std::size(defaultLevels)), defaultLevels);
@@ -51,48 +51,53 @@ void silenceBoxesIfForbidden()
         host::setMessageBoxHandler(nullptr);
 }
 
-/// Takes back one user. True if it was the last one; surplus calls change nothing.
-bool wasLastUser()
-{
-    int users = s_users.load();
-    while (users > 0 && !s_users.compare_exchange_weak(users, users - 1)) {}
-    return users == 1;
-}
-
-void releaseTables()
+/// Counts one more user and builds the modules for the first one, which gets true. Whoever comes second
+/// meanwhile waits until there are modules.
+bool addUser()
 {
     const TableLock guard;
+    // Anew at each call: an application that has ended took the registration with it.
+    qRemovePostRoutine(endWithApplication);
+    qAddPostRoutine(endWithApplication);
+    if (s_users.fetch_add(1) != 0)
+        return false;
+    silenceBoxesIfForbidden();
+    buildModules();
+    return true;
+}
+
+/// Takes back one user. True if it was the last one: the modules are gone then. Surplus calls change nothing.
+bool removeLastUser()
+{
+    const TableLock guard;
+    int users = s_users.load();
+    while (users > 0 && !s_users.compare_exchange_weak(users, users - 1)) {}
+    if (users != 1)
+        return false;
+    qRemovePostRoutine(endWithApplication);
     moduleTable().release();
     outputFile().beginRun();
     displayflags::reset();
     setupOutputEnabled(true); // as before the first start
+    return true;
 }
 
 } // namespace
 
 void Debug::initDebug()
 {
-    // Anew at each call: an application that has ended took the registration with it.
-    qRemovePostRoutine(endWithApplication);
-    qAddPostRoutine(endWithApplication);
-    if (s_users.fetch_add(1) != 0) {
-        guibridge::usingQt(); // connects the library with an application that has come up meanwhile
-        return;
+    if (addUser()) {
+        installQtMessageHandler();
+        readStartSettings();
+        setupOutputEnabled(true);
     }
-    silenceBoxesIfForbidden();
-    buildModules();
-    installQtMessageHandler();
-    readStartSettings();
-    setupOutputEnabled(true);
-    guibridge::usingQt();
+    guibridge::usingQt(); // a later call connects the library with an application that has come up meanwhile
 }
 
 void Debug::exitDebug()
 {
-    if (hasGlobalReceiver() || !wasLastUser())
+    if (hasGlobalReceiver() || !removeLastUser())
         return;
-    qRemovePostRoutine(endWithApplication);
-    releaseTables();
     exitDebugDaemon();
     if (!guibridge::qtApplicationRuns())
         guibridge::applicationGone();

@@ -12,11 +12,13 @@ struct Gate
 {
     static constexpr unsigned anyActive = 1; ///< some module can print
     static constexpr unsigned smokeTestOff = 2; ///< the setting was read, and it is not smoke-test mode
-    static constexpr unsigned starting = 4; ///< the modules are being described: answers have to wait
+    static constexpr unsigned changing = 4; ///< a change is half done: answers have to wait
     static constexpr unsigned open = anyActive | smokeTestOff;
 
     std::atomic<unsigned> bits{anyActive};
     std::atomic<bool> enabled{true}; ///< as the last setupOutputEnabled() said
+
+    int changes = 0; ///< scopes inside each other; only touched with the table locked
 
     [[nodiscard]] bool has(unsigned mask) const { return (bits.load(std::memory_order_relaxed) & mask) != 0; }
 };
@@ -82,10 +84,14 @@ bool anyModuleActive() ZORVAN_REQUIRES(moduleTable().lock())
     return false;
 }
 
-void waitForStart()
+/// The bits, read once a change that was under way is done.
+unsigned settledGate()
 {
-    if (s_gate.has(Gate::starting))
-        const TableLock wait; // held by the starting thread, which passes itself
+    const unsigned bits = s_gate.bits.load(std::memory_order_relaxed);
+    if ((bits & Gate::changing) == 0)
+        return bits;
+    const TableLock wait; // held by the changing thread, which passes itself
+    return s_gate.bits.load(std::memory_order_relaxed);
 }
 
 /// Gives the module a prefix if it has none. False if there is no such module.
@@ -112,12 +118,11 @@ bool passes(moduleId id, int level, int cls)
     return level <= module->clippingLevel && (level == 0 || module->isClassEnabled(cls));
 }
 
-/// What the switches of the modules cannot answer alone: no table, a start under way, the first question
+/// What the switches of the modules cannot answer alone: no table, a change under way, the first question
 /// about a module, smoke-test mode, classes from 64 on.
 [[gnu::noinline]] bool isActiveAtLength(moduleId id, int level, int cls)
 {
-    waitForStart();
-    if (!s_gate.has(Gate::anyActive))
+    if ((settledGate() & Gate::anyActive) == 0)
         return false;
     if (!askedAbout(id))
         return !moduleTable().exists();
@@ -142,15 +147,17 @@ bool outputEnabled()
     return s_gate.enabled.load(std::memory_order_relaxed);
 }
 
-StartScope::StartScope()
+ChangeScope::ChangeScope()
 {
     moduleTable().lock().lock();
-    changeGate(Gate::starting, true);
+    if (s_gate.changes++ == 0)
+        changeGate(Gate::changing, true);
 }
 
-StartScope::~StartScope()
+ChangeScope::~ChangeScope()
 {
-    changeGate(Gate::starting, false);
+    if (--s_gate.changes == 0)
+        changeGate(Gate::changing, false);
     moduleTable().lock().unlock();
 }
 
@@ -162,8 +169,7 @@ bool Debug::isActive(moduleId module, int level, int cls)
 
 int Debug::getActiveLevel(moduleId id, int cls)
 {
-    waitForStart();
-    if (!s_gate.has(Gate::anyActive))
+    if ((settledGate() & Gate::anyActive) == 0)
         return 0;
     if (!askedAbout(id))
         return moduleTable().exists() ? -1 : 1;

@@ -11,15 +11,16 @@ namespace Zorvan {
 void setupOutputEnabled(bool enable);
 [[nodiscard]] bool outputEnabled();
 
-/// The time in which the start builds and describes the modules one by one, with the table locked. Questions
-/// of other threads wait for its end: half-described modules would refuse their messages.
-class ZORVAN_SCOPED_CAPABILITY StartScope
+/// Makes several changes of modules and switches one, with the table locked. Questions of other threads wait
+/// for its end: halfway there messages would be refused that pass before and after. Scopes may lie inside
+/// each other.
+class ZORVAN_SCOPED_CAPABILITY ChangeScope
 {
 public:
-    StartScope() ZORVAN_ACQUIRE(moduleTable().lock());
-    ~StartScope() ZORVAN_RELEASE();
-    StartScope(const StartScope &) = delete;
-    StartScope &operator=(const StartScope &) = delete;
+    ChangeScope() ZORVAN_ACQUIRE(moduleTable().lock());
+    ~ChangeScope() ZORVAN_RELEASE();
+    ChangeScope(const ChangeScope &) = delete;
+    ChangeScope &operator=(const ChangeScope &) = delete;
 };
 
 } // namespace Zorvan

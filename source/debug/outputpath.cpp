@@ -207,7 +207,8 @@ std::optional<QStringView> printMessage(moduleId module, int cls, QStringView te
     }
     if (!Debug::isActive(module, level, cls))
         return;
-    if (const std::optional<QStringView> rest = printMessage(module, cls, text, level))
+    const QString kept = text; // a callback may change the caller's
+    if (const std::optional<QStringView> rest = printMessage(module, cls, kept, level))
         logText(*rest, file, line);
 }
 

@@ -28,7 +28,7 @@ public:
     {
         if (static_cast<unsigned>(module) >= m_answered.load(std::memory_order_acquire))
             return atLength();
-        const Switches &switches = m_switches.load(std::memory_order_relaxed)[module];
+        const Switches &switches = m_switches.load(std::memory_order_acquire)[module];
         const int highest = switches.level.load(std::memory_order_relaxed);
         if (__builtin_expect(level > highest, 1)) // the answer that has to be the cheapest
             return highest == notAsked ? atLength() : false;
