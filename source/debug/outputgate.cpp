@@ -94,18 +94,24 @@ unsigned settledGate()
     return s_gate.bits.load(std::memory_order_relaxed);
 }
 
-/// Gives the module a prefix if it has none. False if there is no such module.
-bool askedAbout(moduleId id)
+enum class Found {
+    NoTable,
+    NoModule,
+    Module,
+};
+
+/// Looks the module up, in one look at the table, and gives it a prefix if it has none.
+Found askedAbout(moduleId id)
 {
     const TableLock guard;
     const Module *const module = moduleTable().find(id);
     if (module == nullptr)
-        return false;
+        return moduleTable().exists() ? Found::NoModule : Found::NoTable;
     if (module->inUse || id >= moduleTable().count()) // an id not handed out yet is left for a later module
-        return true;
+        return Found::Module;
     moduleTable().takeIntoUse(id);
     guibridge::requestRebuild();
-    return true;
+    return Found::Module;
 }
 
 /// Levels above the clipping level never pass, level 0 passes whatever its class.
@@ -124,8 +130,8 @@ bool passes(moduleId id, int level, int cls)
 {
     if ((settledGate() & Gate::anyActive) == 0)
         return false;
-    if (!askedAbout(id))
-        return !moduleTable().exists();
+    if (const Found found = askedAbout(id); found != Found::Module)
+        return found == Found::NoTable;
     return isSmokeTest() ? level == 0 : passes(id, level, cls);
 }
 
@@ -171,8 +177,8 @@ int Debug::getActiveLevel(moduleId id, int cls)
 {
     if ((settledGate() & Gate::anyActive) == 0)
         return 0;
-    if (!askedAbout(id))
-        return moduleTable().exists() ? -1 : 1;
+    if (const Found found = askedAbout(id); found != Found::Module)
+        return found == Found::NoTable ? 1 : -1;
     if (s_smokeTestOfActiveLevel.isOn())
         return 0;
     const TableLock guard;
