@@ -96,11 +96,11 @@ void Debug::disableMessageClassType(moduleId module, int cls)
     switchClass(module, cls, false);
 }
 
-void Debug::enableClasses(moduleId module, const QString &spec)
+void Debug::enableClasses(moduleId module, const QString &names)
 {
     const ChangeScope change; // one for other threads, not one for each class
     // Words count anywhere in the text: "small" enables everything, "nonetheless" nothing.
-    const QString wanted = spec.toLower();
+    const QString wanted = names.toLower();
     if (wanted.contains(QLatin1String("none"))) {
         disableMessageClassType(module, everyClass);
         return;
@@ -139,14 +139,14 @@ QString Debug::getEnabledMessageClasses(moduleId id)
     return any ? enabled.join(QLatin1Char(',')) : QStringLiteral("none");
 }
 
-void Debug::enableLevel(moduleId id, const QString &spec)
+void Debug::enableLevel(moduleId id, const QString &name)
 {
     const TableLock guard;
     const Module *const module = moduleTable().find(id);
     if (module == nullptr)
         return;
     const Descriptions *const levels = module->levels;
-    const QString wanted = spec.toLower();
+    const QString wanted = name.toLower();
     if (wanted.contains(QLatin1String("release"))) {
         setClippingLevel(id, silent);
         return;

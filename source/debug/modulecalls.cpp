@@ -28,7 +28,7 @@ void requestRedrawUnlessReceived()
 
 /// Stores the descriptions, then applies the module's saved setting of that kind, all under the lock.
 void describe(moduleId id, const Descriptions *Module::*kind, int count, const char **descriptions,
-              const char *keySuffix, const char *defaultSpec, void (*apply)(moduleId, const QString &))
+              const char *keySuffix, const char *defaultValue, void (*apply)(moduleId, const QString &))
 {
     {
         const TableLock guard;
@@ -37,7 +37,7 @@ void describe(moduleId id, const Descriptions *Module::*kind, int count, const c
             return;
         module->*kind = Descriptions::intern(count, descriptions);
         const QString key = fromLatin1(module->description) + QLatin1String(keySuffix);
-        apply(id, host::readString(key, QLatin1String(defaultSpec)));
+        apply(id, host::readString(key, QLatin1String(defaultValue)));
     }
     requestRedrawUnlessReceived();
 }

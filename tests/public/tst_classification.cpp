@@ -25,7 +25,7 @@ protected:
     static std::string classes(moduleId id = kernel) { return text(Debug::getEnabledMessageClasses(id)); }
     static std::string level(moduleId id = kernel) { return text(Debug::getEnabledMessageLevel(id)); }
     static std::string text(const QString &string) { return string.toStdString(); }
-    static void enableClasses(const char *spec) { Debug::enableClasses(kernel, QString::fromLatin1(spec)); }
+    static void enableClasses(const char *text) { Debug::enableClasses(kernel, QString::fromLatin1(text)); }
     static bool active(int level, int cls) { return Debug::isActive(kernel, level, cls); }
     static int clippingAfter(int level)
     {
@@ -88,15 +88,15 @@ TEST_F(Classification, NothingPassesUnlessSomeModuleHasALevelAndAClass)
 TEST_F(Classification, ClassesAreNamedByTheirBeginnings)
 {
     Debug::setClippingLevel(kernel, 4);
-    for (const auto &[result, specs] :
+    for (const auto &[result, texts] :
          SpecsByResult{{"all", {"ALL", "small", "debug,all", "d,t"}},
                        {"none", {"None", "nonetheless, all", "message", "<debug", "", ",,"}},
                        {"debug message", {"DEBUG", "debug message", "debug, time"}},
                        {"time meas", {"time,", ",t", "Time Meas"}}}) {
-        for (const std::string &spec : specs) {
-            enableClasses(spec.c_str());
-            EXPECT_EQ(classes(), result) << spec;
-            EXPECT_EQ(active(1, -1), result == "all" && spec != "d,t")
+        for (const std::string &text : texts) {
+            enableClasses(text.c_str());
+            EXPECT_EQ(classes(), result) << text;
+            EXPECT_EQ(active(1, -1), result == "all" && text != "d,t")
                 << "all classes at once, not one by one";
         }
     }
@@ -117,17 +117,17 @@ TEST_F(Classification, AShrunkModuleKeepsItsFormerClassesAndLevel)
 
 TEST_F(Classification, LevelsAreNamedByAPartOfTheirDescription)
 {
-    for (const auto &[result, specs] : SpecsByResult{
+    for (const auto &[result, texts] : SpecsByResult{
              {"+ CRITICAL +", {"CRITICAL", "critical", "+ critical +"}},
              {"Error", {"error", "no such level", "error,info"}}, // what fits no level changes nothing
              {"Warning", {"Warning", "<     w"}},
              {"Info", {"info", "in"}},
              {"Time Meas", {"time meas", "e", "", "Fully"}},
              {"release", {"RELEASE", "full release"}}}) {
-        for (const std::string &spec : specs) {
+        for (const std::string &text : texts) {
             Debug::setClippingLevel(kernel, 1);
-            Debug::enableLevel(kernel, QString::fromStdString(spec));
-            EXPECT_EQ(level(), result) << spec;
+            Debug::enableLevel(kernel, QString::fromStdString(text));
+            EXPECT_EQ(level(), result) << text;
         }
     }
 }

@@ -192,14 +192,14 @@ public:
     static void enableMessageClassType(moduleId module, int cls);
     /// Disables one class; -1 disables all of the module, -2 enables all.
     static void disableMessageClassType(moduleId module, int cls);
-    /// Enables exactly the classes that \a spec names: "none" or "all" anywhere in it, else a comma-separated
+    /// Enables exactly the classes in \a names: "none" or "all" anywhere in it, else a comma-separated
     /// list of beginnings of class names. Blanks count, letter case does not.
-    static void enableClasses(moduleId module, const QString &spec);
+    static void enableClasses(moduleId module, const QString &names);
     /// "all", "none" or the list of enabled classes; "none" for an unknown module, empty without a table.
     static QString getEnabledMessageClasses(moduleId module);
     /// Sets the clipping level by name: "release" silences the module, "full" lets everything through, else
-    /// the last level whose description contains \a spec. Letter case does not count.
-    static void enableLevel(moduleId module, const QString &spec);
+    /// the last level whose description contains \a name. Letter case does not count.
+    static void enableLevel(moduleId module, const QString &name);
     /// Name of the clipping level, "release" if it is negative, empty if it has no description.
     static QString getEnabledMessageLevel(moduleId module);
     /// Sets the highest level that the module lets through; too high a value is lowered to its last level.
