@@ -207,7 +207,8 @@ std::optional<QStringView> printMessage(moduleId module, int cls, QStringView te
     }
     if (!Debug::isActive(module, level, cls))
         return;
-    const QString kept = text; // a callback may change the caller's
+    // A callback may change the caller's text while its lines are printed.
+    const QString kept = text; // NOLINT(performance-unnecessary-copy-initialization)
     if (const std::optional<QStringView> rest = printMessage(module, cls, kept, level))
         logText(*rest, file, line);
 }
