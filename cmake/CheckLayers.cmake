@@ -6,6 +6,9 @@
 cmake_minimum_required(VERSION 3.25)
 set(folders platform host lowlevelfunctions leakanalyzer settingsdialog debugwindow debugserverqueue debug)
 
+# Programs of their own: no part of the library, they include only themselves, Qt and the standard library.
+set(programs messageboxprogram)
+
 # The public headers lie below all of them: any folder but platform may include <zorvan/...>, and the headers
 # themselves include nothing of the project but each other. platform is free of Qt and of the public headers, and
 # it alone talks to the operating system.
@@ -25,6 +28,8 @@ macro(check_angle where folder name)
     if("${name}" MATCHES "^zorvan/" OR "${name}" MATCHES "^Q")
         if("${folder}" STREQUAL "platform")
             violation("${where}" "platform includes <${name}>: it knows neither Qt nor the public headers")
+        elseif("${folder}" IN_LIST programs AND "${name}" MATCHES "^zorvan/")
+            violation("${where}" "${folder} includes <${name}>: a program of its own knows nothing of the library")
         endif()
     elseif(first IN_LIST folders)
         violation("${where}" "<${name}> is a file of the project: write \"${name}\"")
@@ -46,6 +51,8 @@ macro(check_quoted where folder name)
         if(NOT "${name}" MATCHES "^(moc_|ui_)|\\.moc$" AND NOT EXISTS "${ROOT}/source/${folder}/${name}")
             violation("${where}" "${folder} has no file \"${name}\"")
         endif()
+    elseif("${folder}" IN_LIST programs)
+        violation("${where}" "${folder} includes \"${name}\": a program of its own knows nothing of the library")
     elseif(other_rank EQUAL -1)
         violation("${where}" "\"${name}\" is in no folder with a rank")
     elseif(other_rank GREATER own_rank)
@@ -64,7 +71,7 @@ foreach(source IN LISTS sources)
     string(REGEX REPLACE "^source/([^/]*).*" "\\1" folder "${source}")
     if(source MATCHES "^${public_headers}/")
         set(folder public)
-    elseif(NOT folder IN_LIST folders)
+    elseif(NOT folder IN_LIST folders AND NOT folder IN_LIST programs)
         violation("${source}:1" "the folder ${folder} has no rank")
         continue()
     endif()

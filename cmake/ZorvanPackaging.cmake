@@ -7,6 +7,8 @@ set(zorvan_pkgconfig_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 install(TARGETS zorvandebug EXPORT ZorvanDebugTargets
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT Runtime NAMELINK_COMPONENT Development
     FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT Development)
+# What the library starts by itself: nobody's command.
+install(TARGETS zorvan-messagebox DESTINATION ${CMAKE_INSTALL_LIBDIR}/zorvandebug COMPONENT Runtime)
 install(EXPORT ZorvanDebugTargets NAMESPACE Zorvan:: DESTINATION ${zorvan_cmake_dir} COMPONENT Development)
 
 configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/ZorvanDebugConfig.cmake.in
@@ -47,6 +49,7 @@ mark_as_advanced(ZORVAN_DPKG_SHLIBDEPS)
 if(ZORVAN_DPKG_SHLIBDEPS)
     set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 else()
-    set(CPACK_DEBIAN_PACKAGE_DEPENDS "libc6, libstdc++6, libqt5core5a (>= 5.15)")
+    set(CPACK_DEBIAN_PACKAGE_DEPENDS 
+        "libc6, libstdc++6, libqt5core5a (>= 5.15), libqt5gui5 (>= 5.15), libqt5widgets5 (>= 5.15)")
 endif()
 include(CPack)

@@ -27,14 +27,20 @@ if(ZORVAN_SANITIZE)
     target_link_options(zorvan_warnings INTERFACE -fsanitize=${ZORVAN_SANITIZE})
 endif()
 
-# zorvan_add_room(FOLDER SOURCES...): one folder of source/ as the OBJECT library zorvan_FOLDER. Objects, not an
-# archive: an archive would drop the files that only have static initialisers.
+# zorvan_add_room(FOLDER [WIDGETS] SOURCES...): one folder of source/ as the OBJECT library zorvan_FOLDER. Objects, not
+# an archive: an archive would drop the files that only have static initialisers. WIDGETS: the folder has windows or
+# meta-objects of its own.
 function(zorvan_add_room folder)
-    add_library(zorvan_${folder} OBJECT ${ARGN})
+    cmake_parse_arguments(PARSE_ARGV 1 arg "WIDGETS" "" "")
+    add_library(zorvan_${folder} OBJECT ${arg_UNPARSED_ARGUMENTS})
     target_link_libraries(zorvan_${folder} PRIVATE zorvan_warnings)
     if(NOT ZORVAN_PLATFORM_ONLY)
         target_link_libraries(zorvan_${folder} PRIVATE Qt5::Core)
         target_compile_definitions(zorvan_${folder} PRIVATE zorvandebug_EXPORTS)
+    endif()
+    if(arg_WIDGETS)
+        target_link_libraries(zorvan_${folder} PRIVATE Qt5::Widgets)
+        set_target_properties(zorvan_${folder} PROPERTIES AUTOMOC ON)
     endif()
     set_target_properties(zorvan_${folder} PROPERTIES
         POSITION_INDEPENDENT_CODE ON CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)

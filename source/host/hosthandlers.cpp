@@ -57,8 +57,13 @@ IMessageBoxInterface *messageBoxHandler()
 
 int readInteger(const QString &key, int defaultValue)
 {
+    return readInteger(settingsGroup, key, defaultValue);
+}
+
+int readInteger(const char *group, const QString &key, int defaultValue)
+{
     IUtilityInterface *const handler = s_utility.load();
-    return handler ? handler->readIntegerSetting(settingsGroup, key, defaultValue) : defaultValue;
+    return handler ? handler->readIntegerSetting(group, key, defaultValue) : defaultValue;
 }
 
 QString readString(const QString &key, const QString &defaultValue)

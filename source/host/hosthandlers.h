@@ -23,6 +23,7 @@ void setMessageBoxHandler(IMessageBoxInterface *handler);
 [[nodiscard]] IMessageBoxInterface *messageBoxHandler();
 
 [[nodiscard]] int readInteger(const QString &key, int defaultValue);
+[[nodiscard]] int readInteger(const char *group, const QString &key, int defaultValue);
 [[nodiscard]] QString readString(const QString &key, const QString &defaultValue);
 void writeString(const QString &key, const QString &value);
 

@@ -62,4 +62,7 @@ bool IKeyInterface::keyEvent(int, int)
 void IKeyInterface::visibilityChanged(QWidget *, bool) {}
 void IKeyInterface::activationChanged(QWidget *, bool) {}
 
+IHookInterface::~IHookInterface() = default;
+void IHookInterface::hookActivated(char *, char *) {}
+
 } // namespace Zorvan

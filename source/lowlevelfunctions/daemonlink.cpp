@@ -1,11 +1,237 @@
+#include "lowlevelfunctions/daemonlink.h"
+
+#include "lowlevelfunctions/daemonlockfile.h"
 #include "lowlevelfunctions/systemlog.h"
+#include "platform/clock.h"
+#include "platform/process.h"
 
 #include <zorvan/debug.h>
 
+#include <cstdio>
+#include <cstring>
+
 namespace Zorvan {
+
+namespace {
+
+using std::chrono::milliseconds;
+
+constexpr int searchPasses = 10;
+constexpr milliseconds searchPause(500);
+constexpr int connectAttempts = 10;
+constexpr milliseconds connectPause(200);
+constexpr milliseconds farewellLimit(1000);
+constexpr milliseconds holderLimit(500);
+
+/// Waits until the holder of the lock has come to \a condition. False: it does not; perhaps its thread was
+/// killed, which must not stop the end of the process.
+template <typename Condition>
+bool holderComesTo(Condition condition)
+{
+    constexpr milliseconds step(1);
+    for (milliseconds waited(0); !condition(); waited += step) {
+        if (waited >= holderLimit)
+            return false;
+        platform::sleepFor(step);
+    }
+    return true;
+}
+
+std::string boxRequest(std::string_view title, std::string_view text, int type,
+                       const std::array<std::uint32_t, 4> &buttons)
+{
+    const std::string_view separator = "[#]";
+    std::string request = "<msgbox>" + std::to_string(type);
+    request.append(separator).append(title).append(separator).append(text);
+    for (const std::uint32_t button : buttons) {
+        if (button != 0)
+            request.append(separator).append(std::to_string(button));
+    }
+    return request + "</msgbox>";
+}
+
+} // namespace
+
+DaemonLink::DaemonLink(std::string program)
+    : m_program(std::move(program))
+{}
+
+void DaemonLink::lock() ZORVAN_NO_THREAD_SAFETY_ANALYSIS
+{
+    m_lock.lock();
+    m_phase = Phase::Busy;
+}
+
+void DaemonLink::unlock() ZORVAN_NO_THREAD_SAFETY_ANALYSIS
+{
+    m_phase = Phase::Free;
+    m_lock.unlock();
+}
+
+bool DaemonLink::setUp(int &daemonPort, int &secondPort, const char *instanceName)
+{
+    const platform::Locked guard(*this);
+    if (m_isInitialised)
+        return m_isFound;
+    m_instanceName = daemonInstanceName(instanceName == nullptr ? "assertion" : instanceName);
+    daemonPort = -1;
+    secondPort = -1;
+    gyxLog(nullptr, 0, "++++ testing server installation...\n");
+    const DaemonLockFile file = search();
+    if (file.isComplete()) {
+        m_port = daemonPort = file.daemonPort;
+        secondPort = file.secondPort;
+        m_isFound = true;
+    }
+    if (m_isFound)
+        connect();
+    m_isInitialised = true;
+    return m_isFound;
+}
+
+void DaemonLink::setUp()
+{
+    int daemonPort = -1;
+    int secondPort = -1;
+    setUp(daemonPort, secondPort, nullptr);
+}
+
+/// Waits for a complete lock file of a living daemon. A daemon is started in the first pass only.
+DaemonLockFile DaemonLink::search()
+{
+    const std::string path = daemonLockFilePath(m_instanceName);
+    for (int pass = 0; pass < searchPasses; ++pass) {
+        const DaemonLockFile file = readDaemonLockFile(path);
+        if (file.parts > 0 && platform::isProcessRunning(m_program.c_str())) {
+            if (file.isComplete())
+                return file;
+            std::fprintf(stderr, "opened port count: %zu\n", file.parts);
+        } else if (pass == 0 && !startDaemon()) {
+            return {};
+        }
+        platform::sleepFor(searchPause);
+    }
+    return {};
+}
+
+bool DaemonLink::startDaemon()
+{
+    gyxLog(nullptr, 0, "++++ starting debug daemon process...\n");
+    m_isFound = platform::startDetached(m_program, {m_instanceName})
+        || platform::startDetached(m_program + ".exe", {m_instanceName});
+    return m_isFound;
+}
+
+// A daemon that was started but told no port is tried at the port known so far; that fails like any other.
+void DaemonLink::connect()
+{
+    gyxLog(nullptr, 0, "++++ connecting to server...\n");
+    for (int attempt = 0; attempt < connectAttempts && !m_isUp; ++attempt) {
+        platform::sleepFor(connectPause);
+        m_socket.connect("127.0.0.1", static_cast<std::uint16_t>(m_port));
+        m_isUp = m_socket.state() == nativeTCPSocket::State::Connected;
+    }
+    m_isOpen = m_isUp;
+    gyxLog(nullptr, 0, "++++ server running!\n");
+}
+
+bool DaemonLink::send(std::string_view request)
+{
+    return m_socket.send(request) == static_cast<std::int64_t>(request.size());
+}
+
+int DaemonLink::ask(std::string_view request)
+{
+    if (!send(request))
+        return sendingFailed;
+    m_phase = Phase::Waiting;
+    std::array<char, sizeof(std::int32_t)> bytes{};
+    std::size_t length = 0;
+    std::int64_t received = 1;
+    while (length < bytes.size() && received > 0) {
+        received = m_socket.receive(bytes.data() + length, bytes.size() - length);
+        length += received > 0 ? static_cast<std::size_t>(received) : 0;
+    }
+    m_phase = Phase::Busy;
+    std::int32_t answer = noAnswer;
+    if (length == bytes.size())
+        std::memcpy(&answer, bytes.data(), bytes.size());
+    return answer;
+}
+
+void DaemonLink::sendProgress(std::string_view word)
+{
+    setUp();
+    const platform::Locked guard(*this);
+    if (m_isUp)
+        send("<progress>" + std::string(word) + "</progress>");
+}
+
+int DaemonLink::showBox(std::string_view title, std::string_view text, int type,
+                        const std::array<std::uint32_t, 4> &buttons)
+{
+    setUp();
+    const platform::Locked guard(*this);
+    return m_isUp ? ask(boxRequest(title, text, type, buttons)) : noAnswer;
+}
+
+void DaemonLink::finish()
+{
+    if (!m_isOpen.exchange(false))
+        return;
+    // Between the pieces of another request the word would mean nothing, and a daemon that does not read
+    // would keep us here.
+    if (holderComesTo([this] { return m_phase != Phase::Busy; })) {
+        m_socket.send("<exit/>");
+        m_socket.waitReadable(farewellLimit);
+    }
+    m_socket.shutDown(); // whoever waits for an answer leaves at once
+    if (!holderComesTo([this] { return m_phase == Phase::Free; }))
+        return; // only the descriptor stays open
+    const platform::Locked guard(*this);
+    m_socket.close();
+}
+
+// Closing the copy leaves the parent's connection alone, which shutting it down would not.
+DaemonLink *DaemonLink::inChild()
+{
+    if (m_isOpen)
+        m_socket.close();
+    auto *const link = new DaemonLink(m_program);
+    link->m_parents = this;
+    return link;
+}
+
+namespace {
+
+std::atomic<DaemonLink *> s_link{nullptr};
+
+void renewLinkInChild()
+{
+    s_link = s_link.load()->inChild();
+}
+
+} // namespace
+
+DaemonLink &daemonLink()
+{
+    static const bool made = [] {
+        s_link = new DaemonLink("DebugDaemon");
+        platform::aroundFork(nullptr, nullptr, renewLinkInChild);
+        return true;
+    }();
+    static_cast<void>(made);
+    return *s_link.load();
+}
+
+bool initDebugDaemon(int &daemonPort, int &secondPort, const char *instanceName)
+{
+    return daemonLink().setUp(daemonPort, secondPort, instanceName);
+}
 
 void exitDebugDaemon()
 {
+    daemonLink().finish();
     dropLogChannels();
 }
 

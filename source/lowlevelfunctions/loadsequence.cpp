@@ -1,3 +1,4 @@
+#include "lowlevelfunctions/daemonlink.h"
 #include "lowlevelfunctions/lowlevelproperties.h"
 #include "lowlevelfunctions/systemlog.h"
 
@@ -14,6 +15,7 @@ public:
     LoadSequence()
     {
         registerLowlevelForkHandlers();
+        daemonLink();
         loadLowlevelProperties();
     }
     ~LoadSequence() { closeLogTable(); }

@@ -10,6 +10,23 @@ namespace {
 
 constexpr std::size_t blockBytes = 64 * 1024;
 
+bool readStart(RegularFile &file, std::size_t limitBytes, std::string &content)
+{
+    content.clear();
+    if (!file.isOpen())
+        return false;
+    std::int64_t length = 1;
+    while (length > 0 && content.size() < limitBytes) {
+        const std::size_t before = content.size();
+        content.resize(before + std::min(blockBytes, limitBytes - before));
+        length = file.read(content.data() + before, content.size() - before);
+        content.resize(before + static_cast<std::size_t>(std::max<std::int64_t>(length, 0)));
+    }
+    if (length < 0)
+        content.clear();
+    return length >= 0;
+}
+
 } // namespace
 
 std::int64_t countLineFeeds(const char *path)
@@ -27,20 +44,19 @@ std::int64_t countLineFeeds(const char *path)
 
 bool readFileStart(const char *path, std::size_t limitBytes, std::string &content)
 {
-    content.clear();
     RegularFile file(path);
-    if (!file.isOpen())
+    return readStart(file, limitBytes, content);
+}
+
+bool readTrustedFile(const char *path, std::size_t limitBytes, std::string &content)
+{
+    RegularFile file(path, RegularFile::Accept::Trusted);
+    if (!readStart(file, limitBytes + 1, content))
         return false;
-    std::int64_t length = 1;
-    while (length > 0 && content.size() < limitBytes) {
-        const std::size_t before = content.size();
-        content.resize(before + std::min(blockBytes, limitBytes - before));
-        length = file.read(content.data() + before, content.size() - before);
-        content.resize(before + static_cast<std::size_t>(std::max<std::int64_t>(length, 0)));
-    }
-    if (length < 0)
+    const bool isShort = content.size() <= limitBytes;
+    if (!isShort)
         content.clear();
-    return length >= 0;
+    return isShort;
 }
 
 bool replaceFile(const char *path, std::string_view content)

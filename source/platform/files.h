@@ -59,6 +59,11 @@ void discardFile(const char *path);
 /// At most the first \a limitBytes bytes of a regular file. False: it cannot be read, \a content is empty.
 bool readFileStart(const char *path, std::size_t limitBytes, std::string &content);
 
+/// The whole of a file that other users could have planted. False, and \a content is empty: it cannot be
+/// read, is a link or no regular file, belongs neither to this process's user nor to the administrator, or
+/// has more than \a limitBytes bytes.
+bool readTrustedFile(const char *path, std::size_t limitBytes, std::string &content);
+
 /// Replaces the content of the file by \a content with one write, creating the file if it is missing.
 bool replaceFile(const char *path, std::string_view content);
 

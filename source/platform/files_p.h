@@ -10,7 +10,12 @@ namespace Zorvan::platform {
 class RegularFile
 {
 public:
-    explicit RegularFile(const char *path);
+    enum class Accept {
+        Any,
+        Trusted, ///< not through a link, and owned by this process's user or the administrator
+    };
+
+    explicit RegularFile(const char *path, Accept accept = Accept::Any);
     ~RegularFile();
     RegularFile(const RegularFile &) = delete;
     RegularFile &operator=(const RegularFile &) = delete;

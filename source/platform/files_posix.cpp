@@ -35,6 +35,14 @@ void closeDescriptor(int file)
         close(file);
 }
 
+bool isAcceptable(int file, RegularFile::Accept accept)
+{
+    struct stat status;
+    if (fstat(file, &status) != 0 || !S_ISREG(status.st_mode))
+        return false;
+    return accept == RegularFile::Accept::Any || status.st_uid == 0 || status.st_uid == geteuid();
+}
+
 } // namespace
 
 const char pathSeparator = '/';
@@ -94,11 +102,10 @@ bool removeRegularFile(const char *path)
     return path != nullptr && lstat(path, &status) == 0 && S_ISREG(status.st_mode) && unlink(path) == 0;
 }
 
-RegularFile::RegularFile(const char *path)
-    : m_handle(openPath(path, O_RDONLY))
+RegularFile::RegularFile(const char *path, Accept accept)
+    : m_handle(openPath(path, O_RDONLY | (accept == Accept::Trusted ? O_NOFOLLOW : 0)))
 {
-    struct stat status;
-    if (isOpen() && (fstat(descriptor(m_handle), &status) != 0 || !S_ISREG(status.st_mode))) {
+    if (isOpen() && !isAcceptable(descriptor(m_handle), accept)) {
         closeDescriptor(descriptor(m_handle));
         m_handle = closed;
     }

@@ -3,7 +3,11 @@
 #include "platform/text_windows_p.h"
 
 #include <algorithm>
+#include <array>
+// clang-format off
 #include <windows.h>
+#include <aclapi.h> // needs the one before
+// clang-format on
 
 namespace Zorvan::platform {
 namespace {
@@ -19,10 +23,10 @@ HANDLE fileHandle(std::intptr_t handle)
 }
 
 // No security attributes: the handle is not inherited by child programs.
-std::intptr_t openPath(const char *path, DWORD access, DWORD creation)
+std::intptr_t openPath(const char *path, DWORD access, DWORD creation, DWORD flags = FILE_ATTRIBUTE_NORMAL)
 {
-    return reinterpret_cast<std::intptr_t>(CreateFileW(WidePath(path).get(), access, sharedWithAll, nullptr,
-                                                       creation, FILE_ATTRIBUTE_NORMAL, nullptr));
+    return reinterpret_cast<std::intptr_t>(
+        CreateFileW(WidePath(path).get(), access, sharedWithAll, nullptr, creation, flags, nullptr));
 }
 
 void closeFile(std::intptr_t handle)
@@ -34,6 +38,49 @@ void closeFile(std::intptr_t handle)
 bool isDiskFile(std::intptr_t handle)
 {
     return GetFileType(fileHandle(handle)) == FILE_TYPE_DISK;
+}
+
+bool isLink(HANDLE file)
+{
+    BY_HANDLE_FILE_INFORMATION status{};
+    return GetFileInformationByHandle(file, &status) == 0
+        || (status.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
+}
+
+bool isThisUser(PSID user)
+{
+    HANDLE token = nullptr;
+    if (OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &token) == 0)
+        return false;
+    alignas(TOKEN_USER) std::array<char, sizeof(TOKEN_USER) + SECURITY_MAX_SID_SIZE> own{};
+    DWORD length = 0;
+    const bool known =
+        GetTokenInformation(token, TokenUser, own.data(), static_cast<DWORD>(own.size()), &length) != 0;
+    CloseHandle(token);
+    return known && EqualSid(reinterpret_cast<const TOKEN_USER *>(own.data())->User.Sid, user) != 0;
+}
+
+/// Owned by the user of this process, by the system or by its administrators.
+bool hasTrustedOwner(HANDLE file)
+{
+    PSID owner = nullptr;
+    PSECURITY_DESCRIPTOR description = nullptr;
+    if (GetSecurityInfo(file, SE_FILE_OBJECT, OWNER_SECURITY_INFORMATION, &owner, nullptr, nullptr, nullptr,
+                        &description)
+        != ERROR_SUCCESS)
+        return false;
+    const bool trusted = IsWellKnownSid(owner, WinLocalSystemSid) != 0
+        || IsWellKnownSid(owner, WinBuiltinAdministratorsSid) != 0 || isThisUser(owner);
+    LocalFree(description);
+    return trusted;
+}
+
+bool isAcceptable(std::intptr_t handle, RegularFile::Accept accept)
+{
+    if (!isDiskFile(handle))
+        return false;
+    return accept == RegularFile::Accept::Any
+        || (!isLink(fileHandle(handle)) && hasTrustedOwner(fileHandle(handle)));
 }
 
 DWORD attributes(const char *path)
@@ -112,10 +159,11 @@ bool removeRegularFile(const char *path)
         && DeleteFileW(WidePath(path).get()) != 0;
 }
 
-RegularFile::RegularFile(const char *path)
-    : m_handle(openPath(path, GENERIC_READ, OPEN_EXISTING))
+RegularFile::RegularFile(const char *path, Accept accept)
+    : m_handle(openPath(path, GENERIC_READ, OPEN_EXISTING,
+                        accept == Accept::Trusted ? FILE_FLAG_OPEN_REPARSE_POINT : FILE_ATTRIBUTE_NORMAL))
 {
-    if (isOpen() && !isDiskFile(m_handle)) {
+    if (isOpen() && !isAcceptable(m_handle, accept)) {
         closeFile(m_handle);
         m_handle = closed;
     }

@@ -9,8 +9,13 @@
 /// Order in which locks may be taken; whoever holds one takes only locks further down:
 ///   1. module table (recursive; also held while host callbacks run, see docs/embedding.md)
 ///   2. output file; texts of classes and levels (both only with the module table held: see fork() there)
-///   3. channel table of the system log, then one channel (leaves: no host code, no Qt call under them)
-///   4. low-level properties (leaf)
+///   3. making the queue in the GUI thread (no host code under it)
+///   4. hook registry (no handler is called under it)
+///   5. lines that wait for the GUI thread
+///   6. posting to the queue (then only Qt's own locks); the answer to a request (leaf)
+///   7. debug daemon link (until its answer has come; no host code, no Qt call under it)
+///   8. channel table of the system log, then one channel (leaves: no host code, no Qt call under them)
+///   9. low-level properties (leaf)
 
 #include <atomic>
 #include <chrono>

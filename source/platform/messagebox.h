@@ -22,7 +22,8 @@ enum class BoxAnswer {
 [[nodiscard]] BoxAnswer nativeMessageBox(const std::string &title, const std::string &text);
 
 /// File name of the helper program: looked for in the folder of the environment's ZORVAN_HELPERS, then beside
-/// the library, then in the folder of the executable; last, the system's "xmessage" is tried.
+/// the library, then in the subfolder "zorvandebug" there, where it is installed, then in the folder of the
+/// executable; last, the system's "xmessage" is tried.
 extern const char *const boxHelperName;
 
 } // namespace Zorvan::platform

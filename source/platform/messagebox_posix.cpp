@@ -81,8 +81,10 @@ std::string folderOfThisCode()
 
 Outcome askHelper(const std::string &title, const std::string &text)
 {
+    const std::string library = folderOfThisCode();
     const std::string path = programIn(
-        {environmentValue("ZORVAN_HELPERS"), folderOfThisCode(), executableFolder()}, boxHelperName);
+        {environmentValue("ZORVAN_HELPERS"), library, joined(library, "zorvandebug"), executableFolder()},
+        boxHelperName);
     if (path.empty())
         return {};
     const OutputFile output;

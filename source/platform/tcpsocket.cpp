@@ -47,8 +47,9 @@ std::int64_t TcpSocket::send(std::string_view bytes)
         const std::size_t piece = std::min(longestPiece, bytes.size() - sent);
         const std::int64_t count = socketcalls::send(m_handle, bytes.data() + sent, piece);
         if (count < 0) {
-            m_state = socketcalls::lastState();
-            return m_state == SocketState::WouldBlock ? static_cast<std::int64_t>(sent) : -1;
+            const SocketState reason = socketcalls::lastState();
+            m_state = reason;
+            return reason == SocketState::WouldBlock ? static_cast<std::int64_t>(sent) : -1;
         }
         sent += static_cast<std::size_t>(count);
     }
@@ -66,10 +67,11 @@ std::int64_t TcpSocket::receive(char *buffer, std::size_t capacity)
     const std::int64_t count = socketcalls::receive(m_handle, buffer, capacity);
     if (count >= 0)
         return count;
-    m_state = socketcalls::lastState();
-    if (m_state == SocketState::WouldBlock)
+    const SocketState reason = socketcalls::lastState();
+    m_state = reason;
+    if (reason == SocketState::WouldBlock)
         return -2;
-    return m_state == SocketState::Reset ? 0 : -1;
+    return reason == SocketState::Reset || reason == SocketState::Aborted ? 0 : -1;
 }
 
 bool TcpSocket::waitReadable(std::chrono::milliseconds limit)

@@ -2,6 +2,7 @@
 
 /// A plain TCP client for one local peer, usable without Qt and without an event loop.
 
+#include <atomic>
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
@@ -23,8 +24,9 @@ enum class SocketState : int {
     Refused = 10061,
 };
 
-/// One stream connection. Not for two threads at once, except shutDown(), which any thread may call to wake a
-/// thread that waits in waitReadable() or receive().
+/// One stream connection. Not for two threads at once, except that while the connection stays open other
+/// threads may call send(), waitReadable() and shutDown(); the last wakes a thread that waits in
+/// waitReadable() or receive().
 ///
 /// Sending to a closed peer never raises a signal. The descriptor is close-on-exec. After close() every
 /// operation fails at once; the number of the old descriptor is never used again.
@@ -42,7 +44,8 @@ public:
     [[nodiscard]] bool isOpen() const { return m_handle != invalidHandle; }
     /// Bytes taken by the system: all of them, fewer if it would block, -1 if the connection is gone.
     std::int64_t send(std::string_view bytes);
-    /// Bytes received; 0 at the peer's orderly end or reset, -2 if it would block, -1 on other errors.
+    /// Bytes received; 0 when the connection has ended, orderly or not, -2 if it would block, -1 on other
+    /// errors.
     std::int64_t receive(char *buffer, std::size_t capacity);
     /// Waits until something can be read or the connection has ended; false at once when not open, or after
     /// the limit. A negative limit waits without end.
@@ -54,13 +57,13 @@ public:
     /// Ends the connection both ways but keeps the descriptor.
     void shutDown();
     void close();
-    /// The failure of the last operation.
+    /// The failure of the last operation, of whichever thread.
     [[nodiscard]] SocketState state() const { return m_state; }
 
 private:
     static constexpr std::intptr_t invalidHandle = -1;
     std::intptr_t m_handle = invalidHandle;
-    SocketState m_state = SocketState::Ok;
+    std::atomic<SocketState> m_state{SocketState::Ok};
     bool m_isBlocking = true;
 };
 

@@ -98,6 +98,18 @@ TEST_F(Files, readingStopsAtTheLimit)
     EXPECT_EQ(contentOf(m_path), "short");
 }
 
+TEST_F(Files, trustedFileIsReadWholeOrNotAtAll)
+{
+    std::string content;
+    ASSERT_TRUE(replaceFile(m_path.c_str(), "12345"));
+    EXPECT_TRUE(readTrustedFile(m_path.c_str(), 5, content));
+    EXPECT_EQ(content, "12345");
+    EXPECT_FALSE(readTrustedFile(m_path.c_str(), 4, content));
+    EXPECT_EQ(content, "");
+    EXPECT_FALSE(readTrustedFile(m_folder.path().c_str(), 5, content));
+    EXPECT_FALSE(readTrustedFile((m_path + "x").c_str(), 5, content));
+}
+
 TEST_F(Files, foldersAreMadeWithTheirParents)
 {
     const std::string deep = m_folder / "a/\u00e4/c";

@@ -49,6 +49,21 @@ TEST_F(PosixFiles, devicesAndLinksAreNoFiles)
     EXPECT_TRUE(fileExists(m_path.c_str())) << "a link that leads nowhere";
 }
 
+TEST_F(PosixFiles, plantedFileIsNotTrusted)
+{
+    std::string content;
+    ASSERT_EQ(mkfifo((m_folder / "pipe").c_str(), 0600), 0);
+    EXPECT_FALSE(readTrustedFile((m_folder / "pipe").c_str(), 9, content)) << "and no wait for a writer";
+    ASSERT_TRUE(replaceFile(m_path.c_str(), "text"));
+    ASSERT_EQ(symlink(m_path.c_str(), (m_folder / "link").c_str()), 0);
+    EXPECT_FALSE(readTrustedFile((m_folder / "link").c_str(), 9, content));
+    EXPECT_TRUE(readTrustedFile(m_path.c_str(), 9, content));
+    if (chown(m_path.c_str(), 65534, 65534) != 0)
+        GTEST_SKIP() << "only the administrator can give files away";
+    EXPECT_FALSE(readTrustedFile(m_path.c_str(), 9, content));
+    EXPECT_TRUE(readFileStart(m_path.c_str(), 9, content));
+}
+
 TEST_F(PosixFiles, partialWriteIsReportedAsFailure)
 {
     rlimit before{};

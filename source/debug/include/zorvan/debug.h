@@ -16,6 +16,7 @@
 
 #include <cstdarg>
 
+class QObject;
 class QWidget;
 
 #if defined(__GNUC__)
@@ -121,7 +122,19 @@ public:
     virtual void activationChanged(QWidget *window, bool active);
 };
 
-/// The facade: modules, printing, settings, life cycle. All members are static.
+/// A handler of hooks; see Debug::installHook().
+class ZORVAN_EXPORT IHookInterface
+{
+public:
+    virtual ~IHookInterface();
+    /// Called once for each activation of a key that the handler is installed under. Both texts are Latin-1
+    /// copies of its own, which it may change; they end with the call. It may install, remove and activate
+    /// hooks.
+    virtual void hookActivated(char *key, char *parameters);
+};
+
+/// The facade: modules, printing, settings, life cycle, and the road into the GUI thread. All members are
+/// static.
 ///
 /// Before initDebug() and after exitDebug() there is no module table: println() writes to the system log,
 /// setters of modules do nothing, getters return what their comments call "without a table".
@@ -297,16 +310,112 @@ public:
     static void installKeyHandler(IKeyInterface *handler);
     static IKeyInterface *getKeyboardHandler();
     static void installMessageBoxHandler(IMessageBoxInterface *handler);
-    /// Title of the debug window; dropped while there is no road into the GUI thread.
-    static void setWindowTitle(const QString &title);
-    static void setGuiThreadId(void *id);
-    /// A debug window made by the host, used from the first initDebug() that finds a Qt application; never
-    /// deleted.
+    /// A debug window made by the host, used by the next queue that is made; never deleted.
     static void setExtWindow(DebugWindow *window);
-    static void showDebugWindow();
-    /// Between these two calls the library refreshes its window.
+    /// @}
+
+    /// \name The road into the GUI thread
+    ///
+    /// Once a Qt application runs, the library makes a queue that lives in the application's thread. Lines
+    /// wait in it and go on in batches; requests are carried out there in the order in which they came. The
+    /// calls below do nothing, or only keep their value, while there is no queue.
+    ///
+    /// A thread that prints faster than the GUI thread can follow is slowed down: above 200 waiting lines
+    /// every line costs its thread 10 ms, paid after the message when no lock is held.
+    /// @{
+
+    /// Tells the library that the event loop runs, or has ended. It notices both by itself when the host uses
+    /// QCoreApplication::exec(). Without a running loop message boxes and file selections are refused.
     static void eventLoopStarted();
     static void eventLoopFinished();
+    /// The native id of the thread with the event loop, see QThread::currentThreadId(). Set by the library
+    /// itself as soon as the loop handles its first event.
+    static void setGuiThreadId(void *id);
+    /// Title of the debug window; kept for a window that is made later, dropped without a queue.
+    static void setWindowTitle(const QString &title);
+    static void showDebugWindow();
+    /// Ask the debug window to show the present hooks and levels, or the present names and prefixes.
+    static void queueRedraw();
+    static void queueRebuild();
+
+    /// Opens or closes the remote access for debug clients, in the GUI thread.
+    static void setClientsAllowed(bool allowed);
+    static bool clientsAllowed();
+    /// Announces how many remote clients are connected. 0 switches the output on again; see
+    /// enableSettings().
+    static void setClientCount(int count);
+    /// Server mode: this process is watched by another one. Some controls of the window are disabled.
+    static void setServerMode(bool on);
+    static bool isServer();
+    /// Client mode: this process shows the lines of another one. It is never left. A GUI thread that prints
+    /// too fast then handles events in between, other than those of sockets.
+    static void setClientMode();
+    static bool isClient();
+    /// @}
+
+    /// \name Message boxes and file selection
+    ///
+    /// Any thread may ask; the GUI thread shows. Another thread waits for the answer without a time limit, so
+    /// it must not hold anything that the GUI thread needs. A thread that asks from inside a callback of the
+    /// library, with the module table locked, is refused. While a receiver for all modules is installed
+    /// nothing is shown.
+    ///
+    /// Buttons: 1 OK, 2 Cancel, 3 Yes, 4 No, 5 Abort, 6 Retry, 7 Ignore, 0 none; plus 16 for the default
+    /// button. Icons: 0 none, 1 information, 2 warning, 3 critical, 4 question.
+    /// @{
+
+    /// Shows a box with a heading over its text; both may be rich text.
+    ///
+    /// \return Modal: the button that was pressed (1 to 7), -1 if the box was closed otherwise. Non-modal:
+    /// the id of the box, as soon as it is shown. 0 if boxes are switched off (setting
+    /// "enableMessageBoxes"), 1 if a handler took the text, -1 if no box can be shown; a line of output then
+    /// says why.
+    static int debugMessageBox(const QString &caption, const QString &heading, const QString &message,
+                               bool modal, int icon, int button0, int button1, int button2);
+    /// The same without a heading: it is taken from the beginning of the message if that has one.
+    static int debugMessageBox(const QString &caption, const QString &message, bool modal, int icon,
+                               int button0, int button1, int button2);
+    /// Takes a non-modal box away. An id that is not, or no longer, shown does no harm.
+    static void removeMessageBox(int id);
+    /// Asks for an existing file, starting in \a directory; \a filter as in QFileDialog.
+    ///
+    /// \return The chosen path, empty if the user cancelled, the previous answer if nothing could be asked.
+    /// It lives until the calling thread asks again.
+    static const QString &debugFileSelect(const QString &caption, const QString &directory,
+                                          const QString &filter);
+    /// @}
+
+    /// \name Hooks
+    ///
+    /// Named entry points that the host, a user or a remote client triggers with a text. The handlers of a
+    /// key run in the activating thread if the key was first installed as direct, else in a thread that is
+    /// made for the activation. Keys and parameters are Latin-1. A null key, handler or object does nothing.
+    /// @{
+
+    /// Adds a handler; one that is there already is not added again. \a direct counts for the first handler
+    /// of a key only. The host keeps the handler alive until it is removed and no activation runs it any
+    /// more. exitDebug() forgets all hooks.
+    static void installHook(const char *key, IHookInterface *handler, bool direct);
+    /// Removes a handler; with its last handler the key is forgotten.
+    static void removeHook(const char *key, IHookInterface *handler);
+    /// Adds a plain function, never direct. Nothing happens while a receiver for all modules is installed.
+    static void installCHookHandler(const char *key, void (*function)(char *, char *));
+    /// Removes a function; null: all functions of the key.
+    static void removeCHookHandler(const char *key, void (*function)(char *, char *));
+    /// Adds a member function of an object, never direct; it is not called any more once the object is
+    /// destroyed. Prints a warning: prefer installHook().
+    static void installCppHookHandler(const char *key, QObject *object,
+                                      void (QObject::*method)(char *, char *));
+    /// Removes a member function; null: any object, or any member function.
+    static void removeCppHookHandler(const char *key, QObject *object,
+                                     void (QObject::*method)(char *, char *));
+    /// Runs the handlers of a key; an unknown key does nothing. A key that is not direct: the call does not
+    /// wait for them. Nothing happens while a receiver for all modules is installed.
+    static void activateHooks(const char *key, const char *parameters);
+    /// The installed keys in alphabetical order, but for the six that announce changes of the configuration;
+    /// null and 0 without a table. The array belongs to the library and lives until the calling thread asks
+    /// again.
+    static QString *getHooks(int &count);
     /// @}
 };
 
@@ -323,9 +432,23 @@ ZORVAN_EXPORT void gyxLog(const char *tag, const char *file, int line, const cha
 ZORVAN_EXPORT void gyxLog(const char *file, int line, const char *format, ...) ZORVAN_PRINTF_FORMAT(3, 4);
 /// @}
 
-/// Ends the process-level services: the channels of the system log are dropped and made anew by the next
-/// message. exitDebug() calls it; a host that never calls initDebug() may call it at its end.
+/// \name Debug daemon
+/// A separate program shows assertions and questions for processes that cannot show them. It is reached over
+/// a connection on the loopback interface, set up when it is first needed.
+/// @{
+
+/// Finds the daemon, or starts it, and connects to it; once per process. May take seven seconds. Any thread.
+///
+/// \param[out] daemonPort, secondPort the ports that the daemon announced, -1 if none; a later call leaves
+/// them alone
+/// \param instanceName which daemon, null: "assertion"
+/// \return whether a daemon was found or started
+ZORVAN_EXPORT bool initDebugDaemon(int &daemonPort, int &secondPort, const char *instanceName);
+/// Ends the process-level services: the daemon is told to end and the connection to it is closed, for good;
+/// the channels of the system log are dropped and made anew by the next message. Takes up to a second with a
+/// connection. exitDebug() calls it; a host that never calls initDebug() may call it at its end.
 ZORVAN_EXPORT void exitDebugDaemon();
+/// @}
 
 /// \name Low-level properties
 /// Ten integer switches, ids 0 to 9, kept in a file of the program-data folder and read once per process.

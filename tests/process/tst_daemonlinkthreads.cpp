@@ -1,0 +1,77 @@
+// Several threads at one link. The daemon is a thread of the test, so that race checkers see both sides.
+
+#include "lowlevelfunctions/daemonlink.h"
+#include "platform/files.h"
+#include "platform/peer.h"
+#include "platform/support.h"
+
+#include <array>
+#include <cstring>
+#include <gtest/gtest.h>
+#include <sys/prctl.h>
+#include <unistd.h>
+
+using namespace Zorvan;
+using namespace Zorvan::platform::tests;
+
+namespace {
+
+const std::string request = "<msgbox>1[#]a[#]b</msgbox>";
+
+/// The test process itself counts as the running daemon, by its name.
+class DaemonLinkThreads : public testing::Test
+{
+protected:
+    DaemonLinkThreads()
+    {
+        prctl(PR_SET_NAME, m_name.c_str());
+        const std::string ports = std::to_string(m_daemon.port()) + "\n0\n";
+        EXPECT_TRUE(platform::replaceFile((m_folder / "DebugDaemonRunning_assertion.lock").c_str(), ports));
+    }
+    int showBox(int type) { return m_link.showBox("a", "b", type, {}); }
+
+    const std::string m_name = "zd" + std::to_string(getpid()) + 'x';
+    const TemporaryFolder m_folder;
+    const Variable m_temp{"TEMP", m_folder.path()};
+    Peer m_daemon;
+    DaemonLink m_link{m_name};
+};
+
+TEST_F(DaemonLinkThreads, EachRequestGetsItsOwnAnswer)
+{
+    constexpr int rounds = 5;
+    std::array<std::thread, 4> threads;
+    for (std::size_t thread = 0; thread < threads.size(); ++thread) {
+        threads[thread] = std::thread([this, type = static_cast<int>(thread) + 1] {
+            for (int round = 0; round < rounds; ++round)
+                EXPECT_EQ(showBox(type), '0' + type);
+        });
+    }
+    m_daemon.accept();
+    for (std::size_t i = 0; i < threads.size() * rounds; ++i) {
+        const std::int32_t answer = m_daemon.read(request.size())[std::strlen("<msgbox>")];
+        m_daemon.write({reinterpret_cast<const char *>(&answer), sizeof answer});
+    }
+    for (std::thread &thread : threads)
+        thread.join();
+}
+
+TEST_F(DaemonLinkThreads, ExitMeetsWaitingAndNewRequests)
+{
+    std::array<std::thread, 3> threads;
+    for (std::thread &thread : threads) {
+        // The first one is woken without an answer, the others can no longer send.
+        thread = std::thread([this] { EXPECT_LE(showBox(1), DaemonLink::sendingFailed); });
+    }
+    m_daemon.accept();
+    EXPECT_EQ(m_daemon.read(request.size()), request);
+    std::thread otherExit([this] { m_link.finish(); });
+    m_link.finish();
+    otherExit.join();
+    for (std::thread &thread : threads)
+        thread.join();
+    EXPECT_EQ(m_daemon.read(7), "<exit/>");
+    EXPECT_EQ(m_daemon.read(1), "");
+}
+
+} // namespace
