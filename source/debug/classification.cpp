@@ -4,7 +4,6 @@
 #include "debug/normalizedname.h"
 #include "debug/notice.h"
 #include "debug/outputgate.h"
-#include "debug/receivers.h"
 #include "debugserverqueue/guibridge.h"
 
 #include <QStringList>
@@ -184,7 +183,7 @@ void Debug::setClippingLevel(moduleId id, int level)
         moduleTable().switchesChanged(id);
     }
     setupOutputEnabled(true);
-    if (!hasGlobalReceiver())
+    if (!TableState::hasGlobalReceiver())
         guibridge::requestRedraw();
 }
 

@@ -1,7 +1,6 @@
 #include "debug/displayflags.h"
 
 #include "debug/notice.h"
-#include "debug/receivers.h"
 
 #include <zorvan/debug.h>
 
@@ -22,7 +21,7 @@ constexpr int commandCount = 2 * static_cast<int>(sizeof commandedFlags / sizeof
 
 void printFlags()
 {
-    if (hasGlobalReceiver())
+    if (TableState::hasGlobalReceiver())
         return;
     printNotice(QStringLiteral("KLV debug flag settings changed:"));
     const unsigned flags = word();

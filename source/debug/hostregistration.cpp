@@ -30,34 +30,9 @@ void Debug::installMessageBoxHandler(IMessageBoxInterface *handler)
     host::setMessageBoxHandler(handler);
 }
 
-void Debug::setWindowTitle(const QString &)
-{
-    // Dropped: there is no window without a road into the GUI thread.
-}
-
-void Debug::setGuiThreadId(void *id)
-{
-    guibridge::setGuiThreadId(id);
-}
-
 void Debug::setExtWindow(DebugWindow *window)
 {
     guibridge::setExternalWindow(window);
-}
-
-void Debug::showDebugWindow()
-{
-    // Dropped: there is no window without a road into the GUI thread.
-}
-
-void Debug::eventLoopStarted()
-{
-    guibridge::setEventLoopRunning(true);
-}
-
-void Debug::eventLoopFinished()
-{
-    guibridge::setEventLoopRunning(false);
 }
 
 } // namespace Zorvan

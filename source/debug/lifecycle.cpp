@@ -5,13 +5,11 @@
 #include "debug/outputfile.h"
 #include "debug/outputgate.h"
 #include "debug/qtmessages.h"
-#include "debug/receivers.h"
 #include "debug/settings.h"
 #include "debugserverqueue/guibridge.h"
+#include "debugserverqueue/hooks.h"
 #include "host/hosthandlers.h"
 #include "host/silentmessagebox.h"
-
-#include <QCoreApplication>
 
 namespace Zorvan {
 
@@ -28,7 +26,6 @@ void endWithApplication()
 {
     s_users.store(1);
     Debug::exitDebug();
-    guibridge::applicationGone();
 }
 
 void buildModules()
@@ -56,9 +53,8 @@ void silenceBoxesIfForbidden()
 bool addUser()
 {
     const TableLock guard;
-    // Anew at each call: an application that has ended took the registration with it.
-    qRemovePostRoutine(endWithApplication);
-    qAddPostRoutine(endWithApplication);
+    guibridge::setEndHandler(endWithApplication);
+    guibridge::watchApplicationEnd();
     if (s_users.fetch_add(1) != 0)
         return false;
     silenceBoxesIfForbidden();
@@ -66,20 +62,35 @@ bool addUser()
     return true;
 }
 
-/// Takes back one user. True if it was the last one: the modules are gone then. Surplus calls change nothing.
+/// Takes back one user. True if it was the last one. Surplus calls change nothing.
 bool removeLastUser()
 {
-    const TableLock guard;
     int users = s_users.load();
     while (users > 0 && !s_users.compare_exchange_weak(users, users - 1)) {}
-    if (users != 1)
-        return false;
-    qRemovePostRoutine(endWithApplication);
+    return users == 1;
+}
+
+/// Forgets the modules, unless somebody has started the library again meanwhile.
+void releaseModules()
+{
+    const TableLock guard;
+    if (s_users.load() != 0)
+        return;
+    guibridge::setEndHandler(nullptr);
+    hooks::release();
     moduleTable().release();
     outputFile().beginRun();
     displayflags::reset();
     setupOutputEnabled(true); // as before the first start
-    return true;
+}
+
+/// From the moment the road is closed until the modules are gone, lines go to the standard output; hooks that
+/// still run may print and are waited for, so the table stays unlocked.
+void endLibrary()
+{
+    guibridge::Ending ending;
+    ending.deleteQueue();
+    releaseModules();
 }
 
 } // namespace
@@ -96,8 +107,9 @@ void Debug::initDebug()
 
 void Debug::exitDebug()
 {
-    if (hasGlobalReceiver() || !removeLastUser())
+    if (TableState::hasGlobalReceiver() || !removeLastUser())
         return;
+    endLibrary();
     exitDebugDaemon();
     if (!guibridge::qtApplicationRuns())
         guibridge::applicationGone();

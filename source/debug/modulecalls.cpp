@@ -3,7 +3,6 @@
 #include "debug/moduletable.h"
 #include "debug/normalizedname.h"
 #include "debug/outputgate.h"
-#include "debug/receivers.h"
 #include "debugserverqueue/guibridge.h"
 #include "host/hosthandlers.h"
 
@@ -22,7 +21,7 @@ const char *newCopy(const std::string &text)
 
 void requestRedrawUnlessReceived()
 {
-    if (!hasGlobalReceiver())
+    if (!TableState::hasGlobalReceiver())
         guibridge::requestRedraw();
 }
 

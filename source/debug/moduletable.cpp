@@ -1,5 +1,6 @@
 #include "debug/moduletable.h"
 
+#include "debugserverqueue/guibridge.h"
 #include "lowlevelfunctions/systemlog.h"
 #include "platform/process.h"
 
@@ -59,9 +60,11 @@ void releaseTableInChild() ZORVAN_NO_THREAD_SAFETY_ANALYSIS
 }
 
 /// A child of fork() finds the table unlocked and consistent. The table's lock is taken before those of the
-/// system log; the preparing functions run in the reverse order of their registration.
+/// road into the GUI thread and of the system log; the preparing functions run in the reverse order of their
+/// registration.
 const bool s_forkHandlersRegistered = [] {
     registerLowlevelForkHandlers();
+    guibridge::registerForkHandlers();
     platform::aroundFork(holdTable, releaseTable, releaseTableInChild);
     return true;
 }();
@@ -111,13 +114,13 @@ void ModuleTable::build()
         module.name = predefined.name;
         module.description = predefined.description;
     }
-    m_exists.store(true, std::memory_order_release);
+    TableState::setExists(true);
 }
 
 void ModuleTable::release()
 {
     s_quickSwitches.answerBelow(0);
-    m_exists.store(false, std::memory_order_release);
+    TableState::setExists(false);
     m_modules.clear();
     m_count = predefinedCount;
     m_prefixWidth = 0;

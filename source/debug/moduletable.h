@@ -2,7 +2,8 @@
 
 #include "debug/descriptions.h"
 #include "debug/quickswitches.h"
-#include "platform/lock.h"
+#include "debugserverqueue/throttle.h"
+#include "host/tablestate.h"
 
 #include <zorvan/debug.h>
 
@@ -12,8 +13,6 @@
 #include <string>
 
 namespace Zorvan {
-
-constexpr moduleId libraryModule = 0; ///< prints the library's own notices
 
 /// State of one message class of a module. Entries come with the first enable or disable and stay.
 struct DebugClass
@@ -53,7 +52,7 @@ public:
     platform::RecursiveLock &lock() ZORVAN_RETURN_CAPABILITY(m_lock) { return m_lock; }
 
     /// Whether there is a table. Without the lock the answer may be old at once.
-    [[nodiscard]] bool exists() const { return m_exists.load(std::memory_order_acquire); }
+    [[nodiscard]] static bool exists() { return TableState::exists(); }
     /// Ids below it have a record, ids at or above it are unknown. 0 without a table.
     [[nodiscard]] int capacity() const ZORVAN_REQUIRES(m_lock) { return static_cast<int>(m_modules.size()); }
     /// Ids below it were handed out.
@@ -87,8 +86,7 @@ private:
     void refreshPrefix(Module &module, std::size_t width) ZORVAN_REQUIRES(m_lock);
     void publishQuickCount() ZORVAN_REQUIRES(m_lock);
 
-    platform::RecursiveLock m_lock;
-    std::atomic<bool> m_exists{false};
+    platform::RecursiveLock &m_lock = TableState::lock();
     std::deque<Module> m_modules ZORVAN_GUARDED_BY(m_lock); // its size is the capacity
     int m_count ZORVAN_GUARDED_BY(m_lock) = predefinedCount;
     std::size_t m_prefixWidth ZORVAN_GUARDED_BY(m_lock) = 0;
@@ -98,12 +96,18 @@ private:
 /// The one table of the process, never destroyed: static objects of the host may print.
 ModuleTable &moduleTable();
 
-/// Locks the one table for a scope.
+/// Locks the one table for a scope. A thread that printed more than the GUI thread can follow is held back
+/// at the end of its outermost scope, when nobody waits for it any more.
 class ZORVAN_SCOPED_CAPABILITY TableLock
 {
 public:
     TableLock() ZORVAN_ACQUIRE(moduleTable().lock()) { moduleTable().lock().lock(); }
-    ~TableLock() ZORVAN_RELEASE() { moduleTable().lock().unlock(); }
+    ~TableLock() ZORVAN_RELEASE()
+    {
+        moduleTable().lock().unlock();
+        if (throttle::isDue())
+            throttle::pay();
+    }
     TableLock(const TableLock &) = delete;
     TableLock &operator=(const TableLock &) = delete;
 };

@@ -186,4 +186,11 @@ int Debug::getActiveLevel(moduleId id, int cls)
     return module && module->clippingLevel >= 0 && module->isClassEnabled(cls) ? module->clippingLevel : -1;
 }
 
+void Debug::setClientCount(int count)
+{
+    guibridge::setClientCount(count);
+    if (count == 0)
+        setupOutputEnabled(true);
+}
+
 } // namespace Zorvan

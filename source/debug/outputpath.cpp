@@ -135,8 +135,8 @@ OutputReceiver receiverOf(moduleId id) ZORVAN_REQUIRES(moduleTable().lock())
     return module ? module->receiver : nullptr;
 }
 
-/// The sinks behind the filters: the file always; then the module's receiver, or the line tap and the
-/// standard output.
+/// The sinks behind the filters: the file always; then the module's receiver, or the line tap and the queue
+/// in the GUI thread, or the standard output in its place.
 void deliver(OutputPath &path, moduleId module, int cls, int level, std::string &line)
     ZORVAN_REQUIRES(moduleTable().lock())
 {
@@ -151,7 +151,7 @@ void deliver(OutputPath &path, moduleId module, int cls, int level, std::string 
     }
     if (IUtilityInterface *const tap = host::utilityHandler())
         callLineTap(path, *tap, line);
-    if (!guibridge::usingQt())
+    if (!guibridge::handOver(line))
         writeStandardOutput(line);
 }
 
@@ -236,7 +236,9 @@ void Debug::printFormattedString(moduleId module, int cls, int level, const QStr
 
 void Debug::clear()
 {
-    // Without a road into the GUI thread there is no window to clear.
+    if (displayflags::has(displayflags::word(), displayflags::allowProgrammaticClear)
+        && guibridge::queueExists())
+        guibridge::clear();
 }
 
 void Debug::setOutputFilter(const QString &pattern)

@@ -1,5 +1,3 @@
-#include "debug/receivers.h"
-
 #include "debug/moduletable.h"
 
 namespace Zorvan {
@@ -8,14 +6,7 @@ namespace {
 
 constexpr moduleId allModules = -1;
 
-std::atomic<bool> s_globalReceiver{false};
-
 } // namespace
-
-bool hasGlobalReceiver()
-{
-    return s_globalReceiver.load(std::memory_order_relaxed);
-}
 
 void Debug::setOutputReceiver(moduleId id, OutputReceiver receiver)
 {
@@ -29,7 +20,7 @@ void Debug::setOutputReceiver(moduleId id, OutputReceiver receiver)
     }
     for (moduleId each = 0; each < moduleTable().count(); ++each)
         moduleTable().find(each)->receiver = receiver;
-    s_globalReceiver.store(receiver != nullptr, std::memory_order_relaxed);
+    TableState::setGlobalReceiver(receiver != nullptr);
 }
 
 } // namespace Zorvan

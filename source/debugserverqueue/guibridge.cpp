@@ -1,17 +1,207 @@
 #include "debugserverqueue/guibridge.h"
 
-#include <QCoreApplication>
+#include "debugserverqueue/debugserverqueue.h"
+#include "debugserverqueue/events.h"
+#include "debugserverqueue/hooks.h"
+#include "debugserverqueue/pendinglines.h"
+#include "debugserverqueue/throttle.h"
+#include "host/hosthandlers.h"
+#include "host/tablestate.h"
+#include "platform/process.h"
+#include "platform/standardoutput.h"
+
+#include <QApplication>
+#include <QPointer>
+#include <QThread>
 
 #include <atomic>
+#include <vector>
 
 namespace Zorvan::guibridge {
 
 namespace {
 
+using platform::Locked;
+
 std::atomic<bool> s_eventLoopRunning{false};
+std::atomic<bool> s_windowOutputDropped{false};
 std::atomic<bool> s_clientMode{false};
+std::atomic<int> s_clientCount{0};
 std::atomic<void *> s_guiThreadId{nullptr};
 std::atomic<DebugWindow *> s_externalWindow{nullptr};
+std::atomic<void (*)()> s_endHandler{nullptr};
+
+// Whether a queue may be made, and whether there is one.
+std::atomic<bool> s_queueExists{false};
+std::atomic<int> s_endings{0};
+std::atomic<bool> s_applicationEnds{false};
+std::atomic<bool> s_isForkedChild{false};
+
+/// The queue, and what belongs to it. One object, never destroyed: static objects of the host may print.
+struct Road
+{
+    platform::Mutex creation; ///< held while the queue is made, and to forbid it
+    platform::Mutex handOver; ///< held to post: a queue that somebody posts to is not deleted meanwhile
+    DebugServerQueue *queue ZORVAN_GUARDED_BY(handOver) = nullptr;
+    QString title ZORVAN_GUARDED_BY(handOver);
+    /// Queues that wait for their own thread to delete them.
+    std::vector<QPointer<QObject>> retired ZORVAN_GUARDED_BY(handOver);
+    PendingLines lines;
+};
+
+Road &road()
+{
+    static auto *instance = new Road;
+    return *instance;
+}
+
+bool mayMakeQueue()
+{
+    return s_endings.load(std::memory_order_acquire) == 0
+        && !s_applicationEnds.load(std::memory_order_relaxed)
+        && !s_isForkedChild.load(std::memory_order_relaxed);
+}
+
+void postTo(DebugServerQueue *queue, std::unique_ptr<QEvent> event)
+{
+    platform::handOver(event.get());
+    QCoreApplication::postEvent(queue, event.release());
+}
+
+/// Publishing the queue and posting its start event are one step: nothing is posted before the start.
+void publish(DebugServerQueue *queue)
+{
+    const Locked guard(road().handOver);
+    road().queue = queue;
+    s_queueExists.store(true, std::memory_order_release);
+    postTo(queue, std::make_unique<QEvent>(eventType(QueueEvent::Start)));
+}
+
+/// False: there is one already, or none may be made. No host code runs in here.
+bool makeQueue()
+{
+    const Locked guard(road().creation);
+    if (queueExists() || !mayMakeQueue())
+        return false;
+    watchApplicationEnd();
+    publish(new DebugServerQueue);
+    return true;
+}
+
+/// Reads what the host has to say to a new queue. Its reader may print: the queue takes lines already.
+void readQueueSettings()
+{
+    DebugServerQueue::readUseDaemon();
+    if (host::readInteger(QStringLiteral("showWindow"), 0) == 1)
+        post(std::make_unique<QEvent>(eventType(QueueEvent::ShowWindow)));
+}
+
+void postIfLoopRuns(QueueEvent event)
+{
+    if (queueExists() && usingQt() && eventLoopRunning())
+        post(std::make_unique<QEvent>(eventType(event)));
+}
+
+DebugServerQueue *detachQueue()
+{
+    const Locked guard(road().handOver);
+    DebugServerQueue *const queue = std::exchange(road().queue, nullptr);
+    s_queueExists.store(false, std::memory_order_release);
+    road().title = QString();
+    if (queue)
+        QCoreApplication::removePostedEvents(queue); // their ends answer whoever waits
+    return queue;
+}
+
+void deliverLastLines()
+{
+    std::string batch;
+    deliverLines(batch);
+}
+
+/// A process may end without its application object being destroyed.
+class ProcessEnd
+{
+public:
+    ProcessEnd() = default;
+    ~ProcessEnd() { deliverLastLines(); }
+    ProcessEnd(const ProcessEnd &) = delete;
+    ProcessEnd &operator=(const ProcessEnd &) = delete;
+};
+
+const ProcessEnd s_processEnd;
+
+void retire(DebugServerQueue *queue)
+{
+    {
+        const Locked guard(road().handOver);
+        road().retired.emplace_back(queue);
+    }
+    queue->deleteLater();
+}
+
+/// No loop will delete them any more. In the GUI thread.
+void deleteRetired()
+{
+    std::vector<QPointer<QObject>> retired;
+    {
+        const Locked guard(road().handOver);
+        retired.swap(road().retired);
+    }
+    for (const QPointer<QObject> &queue : retired)
+        delete queue.data();
+}
+
+void applicationStarts()
+{
+    s_applicationEnds.store(false);
+}
+
+/// Runs while the application object is destroyed, in its thread. What else ends comes first: it may still
+/// want the queue.
+void applicationEnds()
+{
+    setEventLoopRunning(false);
+    if (void (*const handler)() = s_endHandler.load())
+        handler();
+    Ending ending;
+    s_applicationEnds.store(true);
+    ending.deleteQueue();
+    deleteRetired();
+    applicationGone();
+}
+
+void holdCreation() ZORVAN_NO_THREAD_SAFETY_ANALYSIS
+{
+    road().creation.lock();
+}
+
+void releaseCreation() ZORVAN_NO_THREAD_SAFETY_ANALYSIS
+{
+    road().creation.unlock();
+}
+
+void holdRoad() ZORVAN_NO_THREAD_SAFETY_ANALYSIS
+{
+    road().lines.lockForFork();
+    road().handOver.lock();
+}
+
+void releaseRoad() ZORVAN_NO_THREAD_SAFETY_ANALYSIS
+{
+    road().handOver.unlock();
+    road().lines.unlockInParent();
+}
+
+void releaseRoadInChild() ZORVAN_NO_THREAD_SAFETY_ANALYSIS
+{
+    if (road().queue)
+        s_isForkedChild.store(true);
+    road().queue = nullptr;
+    s_queueExists.store(false);
+    road().handOver.unlock();
+    road().lines.unlockInChild();
+}
 
 } // namespace
 
@@ -21,23 +211,109 @@ bool qtApplicationRuns()
         && !QCoreApplication::closingDown();
 }
 
+bool canShowWindows()
+{
+    return qobject_cast<QApplication *>(QCoreApplication::instance()) != nullptr;
+}
+
 bool usingQt()
 {
-    return false;
+    if (!qtApplicationRuns() || !mayMakeQueue())
+        return false;
+    if (!queueExists() && makeQueue())
+        readQueueSettings();
+    return queueExists();
 }
 
 bool queueExists()
 {
-    return false;
+    return s_queueExists.load(std::memory_order_acquire);
 }
 
-void requestRebuild() {}
+DebugServerQueue *queueHere()
+{
+    const Locked guard(road().handOver);
+    DebugServerQueue *const queue = road().queue;
+    return queue && queue->thread() == QThread::currentThread() ? queue : nullptr;
+}
 
-void requestRedraw() {}
+bool isGuiThread()
+{
+    return queueHere() != nullptr;
+}
+
+bool post(std::unique_ptr<QEvent> event)
+{
+    const Locked guard(road().handOver);
+    if (road().queue == nullptr)
+        return false;
+    postTo(road().queue, std::move(event));
+    return true;
+}
+
+bool postRequest(std::unique_ptr<QEvent> event)
+{
+    const Locked guard(road().handOver);
+    if (road().queue == nullptr || !eventLoopRunning())
+        return false;
+    postTo(road().queue, std::move(event));
+    return true;
+}
+
+bool handOver(std::string_view line)
+{
+    if (!usingQt())
+        return false;
+    road().lines.append(line, [] { post(std::make_unique<QEvent>(eventType(QueueEvent::LinesWait))); });
+    throttle::noteLine(waitingLines());
+    return true;
+}
+
+std::int32_t waitingLines()
+{
+    return road().lines.count();
+}
+
+void forgetWaitingLines()
+{
+    road().lines.forgetCount();
+}
+
+void deliverLines(std::string &batch)
+{
+    if (road().lines.take(batch) && !s_windowOutputDropped.load(std::memory_order_relaxed))
+        platform::writeStandardOutput(batch += '\n');
+}
+
+void dropWindowOutput(bool dropped)
+{
+    s_windowOutputDropped.store(dropped);
+}
+
+void clear()
+{
+    road().lines.clear();
+    post(std::make_unique<QEvent>(eventType(QueueEvent::Start)));
+}
+
+void requestRebuild()
+{
+    postIfLoopRuns(QueueEvent::Rebuild);
+}
+
+void requestRedraw()
+{
+    postIfLoopRuns(QueueEvent::Redraw);
+}
 
 void setEventLoopRunning(bool running)
 {
+    const Locked guard(road().handOver);
     s_eventLoopRunning.store(running);
+    if (running || road().queue == nullptr)
+        return;
+    QCoreApplication::removePostedEvents(road().queue, static_cast<int>(QueueEvent::Box));
+    QCoreApplication::removePostedEvents(road().queue, static_cast<int>(QueueEvent::FileSelect));
 }
 
 bool eventLoopRunning()
@@ -60,11 +336,6 @@ void setExternalWindow(DebugWindow *window)
     s_externalWindow.store(window);
 }
 
-DebugWindow *externalWindow()
-{
-    return s_externalWindow.load();
-}
-
 void setClientMode()
 {
     s_clientMode.store(true);
@@ -75,10 +346,100 @@ bool isClientMode()
     return s_clientMode.load();
 }
 
+void setClientCount(int count)
+{
+    s_clientCount.store(count);
+}
+
+int clientCount()
+{
+    return s_clientCount.load();
+}
+
 void applicationGone()
 {
     setEventLoopRunning(false);
     setGuiThreadId(nullptr);
+}
+
+void loopFound()
+{
+    throttle::setLoopThread(platform::currentThreadId());
+    setGuiThreadId(platform::currentThreadId());
+    setEventLoopRunning(true);
+}
+
+void setWindowTitle(const QString &title)
+{
+    const Locked guard(road().handOver);
+    if (road().queue == nullptr)
+        return;
+    road().title = title;
+    postTo(road().queue, std::make_unique<QEvent>(eventType(QueueEvent::Title)));
+}
+
+QString windowTitle()
+{
+    const Locked guard(road().handOver);
+    return road().title;
+}
+
+void registerForkHandlers()
+{
+    static const bool registered = [] {
+        // The preparing functions run from the last to the first.
+        platform::aroundFork(holdRoad, releaseRoad, releaseRoadInChild);
+        hooks::registerForkHandlers();
+        platform::aroundFork(holdCreation, releaseCreation, releaseCreation);
+        return true;
+    }();
+    static_cast<void>(registered);
+}
+
+void setEndHandler(void (*handler)())
+{
+    s_endHandler.store(handler);
+}
+
+void watchApplicationEnd()
+{
+    static const bool startWatched = [] {
+        qAddPreRoutine(applicationStarts);
+        return true;
+    }();
+    static_cast<void>(startWatched);
+    // Anew each time: an application that has ended took the registration with it.
+    qRemovePostRoutine(applicationEnds);
+    qAddPostRoutine(applicationEnds);
+}
+
+Ending::Ending()
+{
+    const Locked table(TableState::lock());
+    {
+        const Locked guard(road().creation);
+        s_endings.fetch_add(1);
+    }
+    m_queue = detachQueue();
+    deliverLastLines();
+    throttle::setLoopThread(nullptr);
+}
+
+Ending::~Ending()
+{
+    s_endings.fetch_sub(1);
+}
+
+void Ending::deleteQueue()
+{
+    hooks::endThreads();
+    if (m_queue == nullptr)
+        return;
+    if (m_queue->thread() == QThread::currentThread() && !eventLoopRunning())
+        delete m_queue;
+    else
+        retire(m_queue);
+    m_queue = nullptr;
 }
 
 } // namespace Zorvan::guibridge

@@ -188,12 +188,18 @@ TEST_F(Sinks, AReceiverMayStopTheLibraryInTheMiddleOfAMessage)
     EXPECT_NE(readFile(libraryFile("GYX-syslog-0.log")).find(": two 0\n"), std::string::npos);
 }
 
-TEST_F(Sinks, WithAnApplicationLinesStillGoToStandardOutput)
+TEST_F(Sinks, WithAnApplicationLinesWaitForItsLoop)
 {
     int argc = 0;
     QCoreApplication application(argc, nullptr);
     Debug::initDebug();
-    EXPECT_EQ(standardOutputOf([] { print("text"); }), "<debug message>, <+ CRITICAL +>: text\n");
+    EXPECT_EQ(standardOutputOf([] { print("one"); }), "");
+    print("two");
+    EXPECT_EQ(standardOutputOf([] {
+                  QCoreApplication::processEvents(); // starts the timer of the batch
+                  QCoreApplication::processEvents();
+              }),
+              "<debug message>, <+ CRITICAL +>: one\n<debug message>, <+ CRITICAL +>: two\n");
 }
 
 TEST_F(Sinks, QtMessagesGoToTheSystemLogWithTheirPosition)

@@ -1,0 +1,166 @@
+#include "debugserverqueue/debugserverqueue.h"
+
+#include "debugserverqueue/boxpresenter.h"
+#include "debugserverqueue/builtinhooks.h"
+#include "debugserverqueue/events.h"
+#include "debugserverqueue/guibridge.h"
+#include "debugserverqueue/hooks.h"
+#include "host/hosthandlers.h"
+
+#include <QCoreApplication>
+#include <QPointer>
+
+#include <atomic>
+
+namespace Zorvan {
+
+namespace {
+
+constexpr std::int32_t fastBatch = 200; // lines that are delivered at once
+constexpr std::int32_t linesPerMillisecond = 50; // longer batches grow by 1 ms for each of these
+
+std::atomic<bool> s_useDaemon{false};
+std::atomic<bool> s_clientsAllowed{false};
+
+/// Once per process, before the first batch. The host's reader may lead here again.
+void readNoWindowOutput()
+{
+    static std::atomic<bool> isRead{false};
+    if (!isRead.exchange(true))
+        guibridge::dropWindowOutput(host::readInteger(QStringLiteral("noWindowOutput"), 0) == 1);
+}
+
+bool isQueueEvent(QEvent::Type type)
+{
+    return type >= eventType(QueueEvent::Start) && type <= eventType(QueueEvent::Title);
+}
+
+} // namespace
+
+DebugServerQueue::DebugServerQueue()
+    : m_boxes(std::make_unique<BoxPresenter>(*this))
+{
+    QCoreApplication *const application = QCoreApplication::instance();
+    moveToThread(application->thread());
+    connect(application, &QCoreApplication::aboutToQuit, this, &DebugServerQueue::eventloopStopped);
+    installEventFilter(this);
+    hooks::installLibraryHooks(this);
+}
+
+DebugServerQueue::~DebugServerQueue()
+{
+    hooks::removeLibraryHooks(this);
+}
+
+void DebugServerQueue::hookActivated(char *key, char *parameters)
+{
+    runBuiltinHook(key, parameters);
+}
+
+bool DebugServerQueue::clientsAllowed()
+{
+    return s_clientsAllowed.load();
+}
+
+bool DebugServerQueue::useDaemon()
+{
+    return s_useDaemon.load();
+}
+
+void DebugServerQueue::readUseDaemon()
+{
+    s_useDaemon.store(host::readInteger("ProgressBar", QStringLiteral("useDaemon"), 0) == 1);
+}
+
+void DebugServerQueue::guiRunning()
+{
+    guibridge::loopFound();
+}
+
+void DebugServerQueue::eventloopStopped()
+{
+    guibridge::setEventLoopRunning(false);
+}
+
+void DebugServerQueue::timeout()
+{
+    readNoWindowOutput();
+    guibridge::deliverLines(m_batch);
+}
+
+// As a filter of the application it sees the events of all objects, and numbers of its events may mean
+// something else there.
+bool DebugServerQueue::eventFilter(QObject *watched, QEvent *event)
+{
+    if (m_boxes->filter(watched, event))
+        return true;
+    if (watched != this || !isQueueEvent(event->type()))
+        return QObject::eventFilter(watched, event);
+    handle(event);
+    return true; // the queue may be deleted by now
+}
+
+void DebugServerQueue::handle(QEvent *event)
+{
+    platform::takeOver(event);
+    switch (static_cast<QueueEvent>(event->type())) {
+    case QueueEvent::Start:
+        if (!m_isStarted)
+            start();
+        break;
+    case QueueEvent::LinesWait:
+        armTimer();
+        break;
+    case QueueEvent::Box: {
+        auto *const request = static_cast<BoxMsg *>(event);
+        request->answer.give(m_boxes->show(request->content));
+        break;
+    }
+    case QueueEvent::RemoveBox:
+        m_boxes->remove(static_cast<RemoveMsg *>(event)->id);
+        break;
+    case QueueEvent::FileSelect: {
+        auto *const request = static_cast<FileSelectMsg *>(event);
+        request->answer.give(BoxPresenter::selectFile(request->question));
+        break;
+    }
+    case QueueEvent::HookDone:
+        hooks::reap(static_cast<HookDoneMsg *>(event)->thread);
+        break;
+    case QueueEvent::Server:
+        openOrCloseServer(static_cast<ServerEventMsg *>(event)->allowed);
+        break;
+    case QueueEvent::Redraw:
+    case QueueEvent::Rebuild:
+    case QueueEvent::ShowWindow:
+    case QueueEvent::Title:
+        break; // they concern the window alone
+    }
+}
+
+void DebugServerQueue::start()
+{
+    if (!QCoreApplication::startingUp() && !QCoreApplication::closingDown()
+        && host::readInteger(QStringLiteral("serverPortOpen"), 0) == 1)
+        Debug::setClientsAllowed(true);
+    m_flushTimer = std::make_unique<QTimer>();
+    m_flushTimer->setSingleShot(true);
+    connect(m_flushTimer.get(), &QTimer::timeout, this, &DebugServerQueue::timeout);
+    guibridge::loopFound();
+    m_isStarted = true;
+}
+
+void DebugServerQueue::armTimer()
+{
+    const std::int32_t waiting = guibridge::waitingLines();
+    m_flushTimer->start(waiting <= fastBatch ? 0 : waiting / linesPerMillisecond);
+}
+
+// Without a listening socket only the state is kept and announced.
+void DebugServerQueue::openOrCloseServer(bool allowed)
+{
+    if (s_clientsAllowed.exchange(allowed) && !allowed)
+        Debug::setClientCount(0);
+}
+
+} // namespace Zorvan

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <zorvan/debug.h>
+
+#include <QObject>
+#include <QTimer>
+
+#include <memory>
+#include <string>
+
+namespace Zorvan {
+
+class BoxPresenter;
+
+/// The one object that lives in the GUI thread and does there what other threads ask for: it shows their
+/// lines in batches, their message boxes and their file selections, and joins their hook threads.
+///
+/// Other threads reach it through guibridge only. It is made in whatever thread first needs it and moves to
+/// the application's thread; everything but the constructor runs there, the destructor included.
+class DebugServerQueue final : public QObject, public IHookInterface
+{
+    Q_OBJECT
+
+public:
+    DebugServerQueue();
+    ~DebugServerQueue() override;
+
+    /// The library's own hooks. In the thread that runs the hook.
+    void hookActivated(char *key, char *parameters) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+    [[nodiscard]] BoxPresenter &boxes() { return *m_boxes; }
+    /// Whether remote clients may connect. Any thread; false without a queue.
+    [[nodiscard]] static bool clientsAllowed();
+    /// Whether message boxes are announced to the debug daemon: setting "useDaemon" of the group
+    /// "ProgressBar". Any thread.
+    [[nodiscard]] static bool useDaemon();
+    static void readUseDaemon();
+
+public Q_SLOTS:
+    /// A host may call it when its event loop is up; otherwise the queue finds out by its first event.
+    void guiRunning();
+    void eventloopStopped();
+    /// Delivers the lines that wait, as one batch.
+    void timeout();
+
+private:
+    void handle(QEvent *event);
+    void start();
+    void armTimer();
+    void openOrCloseServer(bool allowed);
+
+    bool m_isStarted = false;
+    std::unique_ptr<QTimer> m_flushTimer;
+    std::unique_ptr<BoxPresenter> m_boxes;
+    std::string m_batch; ///< its memory goes back and forth between this and the lines that wait
+};
+
+} // namespace Zorvan

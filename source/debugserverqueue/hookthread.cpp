@@ -1,0 +1,53 @@
+#include "debugserverqueue/hookthread.h"
+
+#include "debugserverqueue/events.h"
+#include "debugserverqueue/guibridge.h"
+#include "host/tablestate.h"
+
+#include <utility>
+
+namespace Zorvan {
+
+void HookWorker::run()
+{
+    platform::takeOver(this);
+    work();
+    hookRegistry().threadEnds(this);
+    guibridge::post(std::make_unique<HookDoneMsg>(this));
+    platform::handOver(this);
+}
+
+hookThread::hookThread(std::string key, std::string parameters, HookHandlers handlers)
+    : m_key(std::move(key))
+    , m_parameters(std::move(parameters))
+    , m_handlers(std::move(handlers))
+{}
+
+void hookThread::work()
+{
+    callHandlers(m_handlers, m_key, m_parameters);
+    m_handlers.clear(); // adapters that were removed meanwhile end here, not with the thread object
+}
+
+void startHookWorker(const std::shared_ptr<HookWorker> &worker)
+{
+    if (!guibridge::queueExists()) {
+        for (const std::shared_ptr<QThread> &ended : hookRegistry().takeEndedThreads())
+            joinHookWorker(*ended);
+    }
+    hookRegistry().addThread(worker);
+    platform::handOver(worker.get());
+    worker->start(); // it may have ended, and have been joined, before this returns
+    if (worker->isRunning() || worker->isFinished())
+        return;
+    hookRegistry().dropThread(worker.get());
+    Debug::println(libraryModule, 0, QStringLiteral("++++ no thread could be started for a hook!"), 0);
+}
+
+void joinHookWorker(QThread &worker)
+{
+    worker.wait();
+    platform::takeOver(&worker);
+}
+
+} // namespace Zorvan

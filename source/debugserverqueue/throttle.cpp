@@ -1,0 +1,68 @@
+#include "debugserverqueue/throttle.h"
+
+#include "debugserverqueue/guibridge.h"
+#include "host/tablestate.h"
+#include "platform/clock.h"
+
+#include <QCoreApplication>
+
+#include <atomic>
+#include <utility>
+
+namespace Zorvan::throttle {
+
+namespace {
+
+constexpr std::int32_t mostWaiting = 200;
+constexpr std::chrono::milliseconds delayOfLine{10};
+
+std::atomic<void *> s_loopThread{nullptr};
+
+/// What the calling thread owes.
+struct Due
+{
+    int delays = 0;
+    bool events = false;
+};
+
+thread_local Due t_due;
+
+} // namespace
+
+void setLoopThread(void *id)
+{
+    s_loopThread.store(id, std::memory_order_relaxed);
+}
+
+void noteLine(std::int32_t waiting)
+{
+    if (waiting <= mostWaiting)
+        return;
+    void *const loopThread = s_loopThread.load(std::memory_order_relaxed);
+    if (loopThread == nullptr)
+        return;
+    if (loopThread != platform::currentThreadId())
+        ++t_due.delays;
+    else if (guibridge::isClientMode())
+        t_due.events = true;
+}
+
+bool isDue()
+{
+    return t_due.delays > 0 || t_due.events;
+}
+
+void pay()
+{
+    if (TableState::lock().isMine())
+        return;
+    const Due due = std::exchange(t_due, Due());
+    for (int delay = 0; delay < due.delays && guibridge::waitingLines() > mostWaiting; ++delay)
+        platform::sleepFor(delayOfLine);
+    if (due.events) {
+        QCoreApplication::processEvents(QEventLoop::ExcludeSocketNotifiers);
+        guibridge::forgetWaitingLines();
+    }
+}
+
+} // namespace Zorvan::throttle
