@@ -2,7 +2,7 @@
 
 #include "debug/descriptions.h"
 #include "debug/quickswitches.h"
-#include "debugserverqueue/throttle.h"
+#include "debugserverqueue/afterlines.h"
 #include "host/tablestate.h"
 
 #include <zorvan/debug.h>
@@ -96,8 +96,8 @@ private:
 /// The one table of the process, never destroyed: static objects of the host may print.
 ModuleTable &moduleTable();
 
-/// Locks the one table for a scope. A thread that printed more than the GUI thread can follow is held back
-/// at the end of its outermost scope, when nobody waits for it any more.
+/// Locks the one table for a scope. At the end of its outermost scope a thread that printed wakes the GUI
+/// thread, and is held back if the GUI thread cannot follow.
 class ZORVAN_SCOPED_CAPABILITY TableLock
 {
 public:
@@ -105,8 +105,8 @@ public:
     ~TableLock() ZORVAN_RELEASE()
     {
         moduleTable().lock().unlock();
-        if (throttle::isDue())
-            throttle::pay();
+        if (afterlines::isDue())
+            afterlines::pay();
     }
     TableLock(const TableLock &) = delete;
     TableLock &operator=(const TableLock &) = delete;

@@ -12,6 +12,7 @@
 #include <QPointer>
 
 #include <atomic>
+#include <utility>
 
 namespace Zorvan {
 
@@ -29,7 +30,8 @@ bool isKeyEvent(const QEvent *event)
 /// Instruments without an Enter key at hand send Alt+F12 instead.
 bool isEnterInDisguise(const QKeyEvent &event)
 {
-    return event.key() == Qt::Key_F12 && event.modifiers() == Qt::AltModifier;
+    const Qt::KeyboardModifiers modifiers = event.modifiers() & ~Qt::KeypadModifier;
+    return event.key() == Qt::Key_F12 && modifiers == Qt::AltModifier;
 }
 
 bool filterKey(QObject *watched, const QKeyEvent &event)

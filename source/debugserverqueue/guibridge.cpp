@@ -1,10 +1,10 @@
 #include "debugserverqueue/guibridge.h"
 
+#include "debugserverqueue/afterlines.h"
 #include "debugserverqueue/debugserverqueue.h"
 #include "debugserverqueue/events.h"
 #include "debugserverqueue/hooks.h"
 #include "debugserverqueue/pendinglines.h"
-#include "debugserverqueue/throttle.h"
 #include "host/hosthandlers.h"
 #include "host/tablestate.h"
 #include "platform/process.h"
@@ -264,9 +264,15 @@ bool handOver(std::string_view line)
 {
     if (!usingQt())
         return false;
-    road().lines.append(line, [] { post(std::make_unique<QEvent>(eventType(QueueEvent::LinesWait))); });
-    throttle::noteLine(waitingLines());
+    if (road().lines.append(line))
+        afterlines::noteBatch();
+    afterlines::noteLine(waitingLines());
     return true;
+}
+
+void announceLines()
+{
+    post(std::make_unique<QEvent>(eventType(QueueEvent::LinesWait)));
 }
 
 std::int32_t waitingLines()
@@ -364,7 +370,7 @@ void applicationGone()
 
 void loopFound()
 {
-    throttle::setLoopThread(platform::currentThreadId());
+    afterlines::setLoopThread(platform::currentThreadId());
     setGuiThreadId(platform::currentThreadId());
     setEventLoopRunning(true);
 }
@@ -387,6 +393,7 @@ QString windowTitle()
 void registerForkHandlers()
 {
     static const bool registered = [] {
+        road(); // made here, while there is one thread
         // The preparing functions run from the last to the first.
         platform::aroundFork(holdRoad, releaseRoad, releaseRoadInChild);
         hooks::registerForkHandlers();
@@ -422,7 +429,7 @@ Ending::Ending()
     }
     m_queue = detachQueue();
     deliverLastLines();
-    throttle::setLoopThread(nullptr);
+    afterlines::setLoopThread(nullptr);
 }
 
 Ending::~Ending()

@@ -39,9 +39,11 @@ bool post(std::unique_ptr<QEvent> event);
 /// The same for an event whose answer somebody waits for: refused also when the event loop does not run.
 bool postRequest(std::unique_ptr<QEvent> event);
 
-/// Hands one finished Latin-1 line over to the queue. False: there is none to take it. Call with the module
-/// table locked; the delay that the line may cost is paid by TableLock.
+/// Hands one finished Latin-1 line over to the queue. False: there is none to take it. Call inside a
+/// TableLock, which pays at its end what the line costs; see afterlines.
 bool handOver(std::string_view line);
+/// Tells the queue that a batch has begun.
+void announceLines();
 /// How many lines were handed over since the last batch.
 [[nodiscard]] std::int32_t waitingLines();
 /// Counts anew from here; the lines go on waiting.

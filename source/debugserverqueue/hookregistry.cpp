@@ -16,11 +16,11 @@ bool has(const HookHandlers &handlers, const IHookInterface *handler)
 
 } // namespace
 
-void callHandlers(const HookHandlers &handlers, const std::string &key, const std::string &parameters)
+void callHandlers(const HookHandlers &handlers, std::string_view key, std::string_view parameters)
 {
     for (const HookHandler &handler : handlers) {
-        std::string ownKey = key;
-        std::string ownParameters = parameters;
+        std::string ownKey(key);
+        std::string ownParameters(parameters);
         handler.called->hookActivated(ownKey.data(), ownParameters.data());
     }
 }
@@ -112,7 +112,7 @@ void HookRegistry::removeAllKeys()
     removed.swap(m_keys);
 }
 
-HookRegistry::Key HookRegistry::find(const std::string &key) const
+HookRegistry::Key HookRegistry::find(std::string_view key) const
 {
     const platform::Locked guard(m_lock);
     const auto found = m_keys.find(key);

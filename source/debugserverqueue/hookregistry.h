@@ -11,6 +11,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace Zorvan {
@@ -33,7 +34,7 @@ struct HookHandler
 using HookHandlers = std::vector<HookHandler>;
 
 /// Calls each handler with copies of its own. Call with no lock held.
-void callHandlers(const HookHandlers &handlers, const std::string &key, const std::string &parameters);
+void callHandlers(const HookHandlers &handlers, std::string_view key, std::string_view parameters);
 
 /// The keys with their handlers, and the threads that run them.
 ///
@@ -66,7 +67,7 @@ public:
     void removeAllKeys();
 
     /// A copy; without handlers if the key is unknown.
-    [[nodiscard]] Key find(const std::string &key) const;
+    [[nodiscard]] Key find(std::string_view key) const;
     [[nodiscard]] std::vector<std::string> sortedKeys() const;
     /// @}
 
@@ -100,7 +101,7 @@ private:
         std::shared_ptr<QThread> thread;
         bool hasEnded = false;
     };
-    using Keys = std::map<std::string, Key>;
+    using Keys = std::map<std::string, Key, std::less<>>;
     using Predicate = std::function<bool(const HookHandler &handler)>;
 
     [[nodiscard]] Key &keyFor(const std::string &key, bool direct) ZORVAN_REQUIRES(m_lock);

@@ -8,6 +8,12 @@
 
 namespace Zorvan {
 
+namespace {
+
+constexpr int triesBeforeSleep = 200;
+
+} // namespace
+
 void HookWorker::run()
 {
     platform::takeOver(this);
@@ -44,8 +50,11 @@ void startHookWorker(const std::shared_ptr<HookWorker> &worker)
     Debug::println(libraryModule, 0, QStringLiteral("++++ no thread could be started for a hook!"), 0);
 }
 
+// The thread has only a few steps to go: to sleep and be woken would take longer than they do.
 void joinHookWorker(QThread &worker)
 {
+    for (int tries = 0; tries < triesBeforeSleep && !worker.isFinished(); ++tries)
+        QThread::yieldCurrentThread();
     worker.wait();
     platform::takeOver(&worker);
 }

@@ -22,6 +22,21 @@ void appendBlock(std::string &batch, const std::string &text, bool isFirst)
 
 } // namespace
 
+bool PendingLines::append(std::string_view line)
+{
+    bool isFirst = false;
+    bool dropped = false;
+    {
+        const platform::Locked guard(m_lock);
+        isFirst = isEmpty();
+        dropped = appendLocked(line);
+        m_count.fetch_add(1, std::memory_order_relaxed);
+    }
+    if (dropped)
+        reportDropped();
+    return isFirst;
+}
+
 /// True if lines were dropped for the first time since the last batch.
 bool PendingLines::appendLocked(std::string_view line)
 {
@@ -69,7 +84,7 @@ bool PendingLines::take(std::string &batch)
     batch.clear();
     const platform::Locked guard(m_lock);
     forgetCount();
-    if (m_open.lines == 0 && m_full.empty())
+    if (isEmpty())
         return false;
     if (m_full.empty()) {
         batch.swap(m_open.text);

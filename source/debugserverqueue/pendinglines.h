@@ -22,21 +22,8 @@ public:
     PendingLines(const PendingLines &) = delete;
     PendingLines &operator=(const PendingLines &) = delete;
 
-    /// Calls \a wakeUp, with the lines locked, if no line waits yet; then adds one.
-    template <typename Function>
-    void append(std::string_view line, Function wakeUp)
-    {
-        bool dropped = false;
-        {
-            const platform::Locked guard(m_lock);
-            if (m_open.lines == 0 && m_full.empty())
-                wakeUp();
-            dropped = appendLocked(line);
-            m_count.fetch_add(1, std::memory_order_relaxed);
-        }
-        if (dropped)
-            reportDropped();
-    }
+    /// True if no other line waited: it begins a batch.
+    bool append(std::string_view line);
 
     /// Sets the counter to 0 and moves all lines into \a batch, with a line feed between them. False: there
     /// was none, \a batch is empty. Give the same text again and again: its memory is used for later lines.
@@ -61,6 +48,7 @@ private:
         std::int64_t lines = 0;
     };
 
+    [[nodiscard]] bool isEmpty() const ZORVAN_REQUIRES(m_lock) { return m_open.lines == 0 && m_full.empty(); }
     bool appendLocked(std::string_view line) ZORVAN_REQUIRES(m_lock);
     void closeBlock() ZORVAN_REQUIRES(m_lock);
     [[nodiscard]] bool isTooMuch() const ZORVAN_REQUIRES(m_lock);

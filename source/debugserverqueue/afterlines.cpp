@@ -1,4 +1,4 @@
-#include "debugserverqueue/throttle.h"
+#include "debugserverqueue/afterlines.h"
 
 #include "debugserverqueue/guibridge.h"
 #include "host/tablestate.h"
@@ -9,7 +9,7 @@
 #include <atomic>
 #include <utility>
 
-namespace Zorvan::throttle {
+namespace Zorvan::afterlines {
 
 namespace {
 
@@ -21,6 +21,7 @@ std::atomic<void *> s_loopThread{nullptr};
 /// What the calling thread owes.
 struct Due
 {
+    bool wakeUp = false;
     int delays = 0;
     bool events = false;
 };
@@ -32,6 +33,11 @@ thread_local Due t_due;
 void setLoopThread(void *id)
 {
     s_loopThread.store(id, std::memory_order_relaxed);
+}
+
+void noteBatch()
+{
+    t_due.wakeUp = true;
 }
 
 void noteLine(std::int32_t waiting)
@@ -49,7 +55,7 @@ void noteLine(std::int32_t waiting)
 
 bool isDue()
 {
-    return t_due.delays > 0 || t_due.events;
+    return t_due.wakeUp || t_due.delays > 0 || t_due.events;
 }
 
 void pay()
@@ -57,6 +63,8 @@ void pay()
     if (TableState::lock().isMine())
         return;
     const Due due = std::exchange(t_due, Due());
+    if (due.wakeUp)
+        guibridge::announceLines();
     for (int delay = 0; delay < due.delays && guibridge::waitingLines() > mostWaiting; ++delay)
         platform::sleepFor(delayOfLine);
     if (due.events) {
@@ -65,4 +73,4 @@ void pay()
     }
 }
 
-} // namespace Zorvan::throttle
+} // namespace Zorvan::afterlines

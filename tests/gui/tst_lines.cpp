@@ -1,0 +1,123 @@
+// What arrives on the standard output of hosts with an event loop: every line once, in its thread's order.
+
+#include "support/childprocess.h"
+#include "support/programdata.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <gtest/gtest.h>
+#include <map>
+
+using namespace Zorvan::test;
+using Lines = std::vector<std::string>;
+
+namespace {
+
+/// Whether the host has widgets or only an event loop.
+class HostLines : public ::testing::TestWithParam<const char *>
+{
+protected:
+    static Lines run(const std::string &mode)
+    {
+        const ChildResult result = runChild("'" GUIHOST "' " + mode + ' ' + GetParam());
+        EXPECT_EQ(result.exitCode, 0) << "signal " << result.signal;
+        EXPECT_TRUE(result.output.empty() || result.output.back() == '\n') << "the last line is not ended";
+        return linesOf(result.output);
+    }
+};
+
+/// Appends the numbers of each producer in the order of their lines.
+void collectNumbers(const Lines &lines, std::map<int, std::vector<int>> &numbers)
+{
+    for (const std::string &line : lines) {
+        int producer = -1;
+        int number = -1;
+        const std::size_t mark = line.find('#');
+        if (mark != std::string::npos && std::sscanf(line.c_str() + mark, "#%d:%d", &producer, &number) == 2)
+            numbers[producer].push_back(number);
+    }
+}
+
+void expectCompleteAndInOrder(const std::map<int, std::vector<int>> &numbers, std::size_t producers,
+                              std::size_t atLeast)
+{
+    EXPECT_EQ(numbers.size(), producers);
+    for (const auto &[producer, sequence] : numbers) {
+        EXPECT_GE(sequence.size(), atLeast);
+        for (std::size_t i = 0; i < sequence.size(); ++i)
+            ASSERT_EQ(sequence[i], static_cast<int>(i)) << "producer " << producer;
+    }
+}
+
+std::ptrdiff_t placeOf(const Lines &lines, const std::string &text)
+{
+    const auto found = std::find_if(lines.begin(), lines.end(), [&](const std::string &line) {
+        return line.size() >= text.size() && line.compare(line.size() - text.size(), text.size(), text) == 0;
+    });
+    return found == lines.end() ? -1 : found - lines.begin();
+}
+
+std::ptrdiff_t countOf(const Lines &lines, const std::string &text)
+{
+    return std::count_if(lines.begin(), lines.end(),
+                         [&](const std::string &line) { return placeOf({line}, text) == 0; });
+}
+
+TEST_P(HostLines, OfEightThreadsArriveOnceWhileTheApplicationComesRunsQuitsAndGoes)
+{
+    std::map<int, std::vector<int>> numbers;
+    collectNumbers(run("throughout"), numbers);
+    // Without an application there is no library any more: what comes then is in the log.
+    collectNumbers(linesOf(readFile(libraryFile("GYX-syslog-0.log"))), numbers);
+    expectCompleteAndInOrder(numbers, 8, 20);
+}
+
+TEST_P(HostLines, OfEveryStageArriveInOrderAcrossThreads)
+{
+    std::map<int, std::vector<int>> numbers;
+    collectNumbers(run("stages"), numbers);
+    expectCompleteAndInOrder(numbers, 1, 20);
+}
+
+TEST_P(HostLines, ThatWaitAreDroppedByClearIfThatIsAllowed)
+{
+    const Lines lines = run("clear");
+    EXPECT_EQ(countOf(lines, "kept"), 1);
+    EXPECT_EQ(countOf(lines, "dropped"), 0);
+    EXPECT_EQ(countOf(lines, "behind"), 2);
+    EXPECT_EQ(countOf(lines, "and more"), 2);
+}
+
+TEST_P(HostLines, OfTheParentAreNotPrintedByAForkedChild)
+{
+    const Lines lines = run("fork");
+    EXPECT_EQ(countOf(lines, "child of the main thread"), 1);
+    EXPECT_EQ(countOf(lines, "child of a worker"), 1);
+    EXPECT_EQ(countOf(lines, "child ended"), 2);
+    EXPECT_EQ(countOf(lines, "waits in the parent"), 1);
+}
+
+INSTANTIATE_TEST_SUITE_P(Gui, HostLines, ::testing::Values("widgets"));
+INSTANTIATE_TEST_SUITE_P(Console, HostLines, ::testing::Values("core"));
+
+class WidgetHostLines : public HostLines
+{};
+
+TEST_P(WidgetHostLines, AreThereWhenAModalBoxOpens)
+{
+    const Lines lines = run("boxes");
+    ASSERT_EQ(lines.size(), 4U);
+    EXPECT_EQ(placeOf(lines, "before the modal box"), 0);
+    EXPECT_EQ(lines[1], "modal box");
+    EXPECT_EQ(lines[2], "other box");
+    EXPECT_EQ(placeOf(lines, "before the other box"), 3);
+}
+
+TEST_P(WidgetHostLines, AreDiscardedWithoutWindowOutput)
+{
+    EXPECT_EQ(run("nowindow"), Lines());
+}
+
+INSTANTIATE_TEST_SUITE_P(Gui, WidgetHostLines, ::testing::Values("widgets"));
+
+} // namespace

@@ -1,0 +1,265 @@
+// The road into the GUI thread: when settings are read, remote access and modes, and how fast printers are
+// slowed down.
+
+#include "support/guiapplication.h"
+#include "support/maphost.h"
+
+#include <zorvan/debug.h>
+
+#include <QSocketNotifier>
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+using Zorvan::Debug;
+using namespace Zorvan::test;
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
+
+namespace {
+
+constexpr int kernel = 2;
+constexpr int freeLines = 200; ///< so many may wait before their printers are slowed down
+
+void print(int lines = 1)
+{
+    for (int i = 0; i < lines; ++i)
+        Debug::println(kernel, 0, QStringLiteral("line"), 0);
+}
+
+class QueueHost : public MapHost
+{
+public:
+    std::atomic<int> daemonReads{0};
+
+    int readIntegerSetting(const char *group, const QString &key, int defaultValue) override
+    {
+        if (std::string(group) == "ProgressBar" && key == QLatin1String("useDaemon"))
+            ++daemonReads;
+        return MapHost::readIntegerSetting(group, key, defaultValue);
+    }
+};
+
+class Queue : public ::testing::Test
+{
+protected:
+    Queue()
+    {
+        host.store("serverPort", 0);
+        Debug::initDebug();
+        application.emplace();
+    }
+    ~Queue() override { Debug::exitDebug(); }
+    void runLoop()
+    {
+        Debug::initDebug();
+        QCoreApplication::processEvents();
+    }
+    static void runOn()
+    {
+        ASSERT_TRUE(runUntil([rounds = 0]() mutable { return ++rounds > 20; }));
+    }
+    [[nodiscard]] std::size_t linesPrintedNow()
+    {
+        host.takeLines();
+        print();
+        return host.takeLines().size();
+    }
+
+    QueueHost host;
+    std::optional<TestApplication<QCoreApplication>> application;
+};
+
+TEST_F(Queue, ReadsItsSettingsOnceAndNotBeforeTheyAreNeeded)
+{
+    const auto reads = [this] {
+        return std::vector<int>{host.reads("showWindow"), host.daemonReads, host.reads("serverPortOpen"),
+                                host.reads("noWindowOutput")};
+    };
+    EXPECT_EQ(reads(), (std::vector<int>{0, 0, 0, 0})) << "without an application there is no queue";
+    host.onRead = [](const QString &key) {
+        if (key == QLatin1String("showWindow"))
+            print(); // needs the queue that is being made
+    };
+    print();
+    EXPECT_EQ(reads(), (std::vector<int>{1, 1, 0, 0})) << "the first line makes the queue";
+    QCoreApplication::processEvents();
+    EXPECT_EQ(host.reads("serverPortOpen"), 1) << "asked when the loop runs";
+    ASSERT_TRUE(runUntil([this] { return host.reads("noWindowOutput") == 1; })) << "asked by the first batch";
+    Debug::initDebug();
+    print(3);
+    runOn();
+    EXPECT_EQ(reads(), (std::vector<int>{1, 1, 1, 1}));
+    Debug::exitDebug();
+    Debug::exitDebug();
+    Debug::initDebug();
+    print();
+    ASSERT_TRUE(runUntil([this] { return host.reads("serverPortOpen") == 2; }));
+    runOn();
+    EXPECT_EQ(reads(), (std::vector<int>{2, 2, 2, 1})) << "a new queue, but the same process";
+}
+
+TEST_F(Queue, OpensAndClosesRemoteAccessInTheLoop)
+{
+    runLoop();
+    EXPECT_FALSE(Debug::clientsAllowed());
+    for (int round = 0; round < 2; ++round) {
+        inWorker([] {
+            Debug::setClientsAllowed(true);
+            Debug::setClientsAllowed(true);
+            return 0;
+        });
+        ASSERT_TRUE(runUntil(&Debug::clientsAllowed));
+        Debug::enableSettings(QStringLiteral("displayModuleName,disableOutput,"));
+        EXPECT_EQ(linesPrintedNow(), 0U);
+        Debug::setClientsAllowed(false);
+        EXPECT_TRUE(Debug::clientsAllowed()) << "a request like all others";
+        ASSERT_TRUE(runUntil([] { return !Debug::clientsAllowed(); }));
+        EXPECT_EQ(linesPrintedNow(), 1U) << "without clients the output is on again";
+    }
+}
+
+TEST_F(Queue, OpensRemoteAccessAtItsStartIfTheHostWantsThat)
+{
+    host.store("serverPortOpen", 1);
+    runLoop();
+    EXPECT_TRUE(runUntil(&Debug::clientsAllowed));
+    Debug::exitDebug();
+    Debug::exitDebug();
+    EXPECT_FALSE(Debug::clientsAllowed()) << "it ends with the library";
+}
+
+TEST_F(Queue, SwitchesTheOutputOnWhenTheLastClientLeaves)
+{
+    runLoop();
+    Debug::enableSettings(QStringLiteral("disableOutput,"));
+    Debug::setClientCount(2);
+    Debug::setClientCount(1);
+    EXPECT_EQ(linesPrintedNow(), 0U);
+    Debug::setClientCount(0);
+    EXPECT_EQ(linesPrintedNow(), 1U);
+}
+
+TEST_F(Queue, KnowsTheModesOfItsProcess)
+{
+    EXPECT_FALSE(Debug::isServer() || Debug::isClient());
+    runLoop();
+    Debug::setServerMode(true);
+    Debug::setClientMode();
+    EXPECT_TRUE(Debug::isServer() && Debug::isClient());
+    Debug::setServerMode(false);
+    EXPECT_FALSE(Debug::isServer());
+    Debug::exitDebug();
+    Debug::exitDebug();
+    EXPECT_TRUE(Debug::isClient()) << "never left";
+}
+
+TEST_F(Queue, TakesWindowCallsAtAnyTime)
+{
+    for (int round = 0; round < 3; ++round) {
+        Debug::setWindowTitle(QStringLiteral("title"));
+        Debug::showDebugWindow();
+        Debug::queueRedraw();
+        Debug::queueRebuild();
+        runLoop();
+        if (round == 1)
+            application.reset();
+    }
+    EXPECT_EQ(linesPrintedNow(), 1U);
+}
+
+class Throttle : public Queue
+{
+protected:
+    Throttle() { runLoop(); }
+
+    /// Lets a worker print while the loop stands still; returns how long that took.
+    template <typename Print, typename Meanwhile>
+    milliseconds timeInWorker(Print work, Meanwhile meanwhile)
+    {
+        std::atomic<bool> done{false};
+        const auto start = steady_clock::now();
+        std::thread printer([&] {
+            work();
+            done = true;
+        });
+        while (!done)
+            meanwhile();
+        printer.join();
+        return std::chrono::duration_cast<milliseconds>(steady_clock::now() - start);
+    }
+    milliseconds timeInWorker(int lines)
+    {
+        return timeInWorker([lines] { print(lines); }, std::this_thread::yield);
+    }
+};
+
+TEST_F(Throttle, SlowsWorkersDownByTenMillisecondsForEachLineTooMany)
+{
+    print(freeLines - 50);
+    EXPECT_GE(timeInWorker(50 + 40), milliseconds(400));
+    const QString message = QStringLiteral("a line\n").repeated(30);
+    const auto printMessage = [&message] { Debug::println(kernel, 0, message, 0); };
+    EXPECT_GE(timeInWorker(printMessage, std::this_thread::yield), milliseconds(300));
+    runOn();
+    EXPECT_LT(timeInWorker(freeLines), milliseconds(1000)) << "the count starts anew with each batch";
+}
+
+TEST_F(Throttle, DoesNotHoldUpWhoeverNeedsTheModuleTable)
+{
+    int calls = 0;
+    const auto call = [&calls] {
+        Debug::setClippingLevel(kernel, 0);
+        Debug::getEnabledSettings();
+        ++calls;
+    };
+    EXPECT_GE(timeInWorker([] { print(freeLines + 100); }, call), milliseconds(1000));
+    EXPECT_GT(calls, 1500) << "with the lock held over the sleep it would be about a hundred";
+}
+
+TEST_F(Throttle, LeavesTheThreadOfTheLoopAlone)
+{
+    const auto start = steady_clock::now();
+    print(2000);
+    EXPECT_LT(steady_clock::now() - start, std::chrono::seconds(10)) << "half of what the sleeps would cost";
+}
+
+class PlainLoop
+{
+protected:
+    // Qt's loop over GLib handles sockets whatever it is told.
+    PlainLoop() { qputenv("QT_NO_GLIB", "1"); }
+};
+
+class ClientThrottle : PlainLoop, public Throttle
+{};
+
+TEST_F(ClientThrottle, HandlesEventsButNotSocketsInAClientThatPrintsTooMuch)
+{
+    int ends[2];
+    ASSERT_EQ(pipe(ends), 0);
+    ASSERT_EQ(write(ends[1], "x", 1), 1);
+    QSocketNotifier notifier(ends[0], QSocketNotifier::Read);
+    int reads = 0;
+    int events = 0;
+    QObject::connect(&notifier, &QSocketNotifier::activated, [&] { ++reads; });
+    QTimer::singleShot(0, [&] {
+        ++events;
+        // Another thread needs the module table meanwhile.
+        std::thread([] { Debug::setClippingLevel(kernel, 0); }).join();
+    });
+    print(freeLines + 10);
+    EXPECT_EQ(events, 0) << "an ordinary process";
+    Debug::setClientMode();
+    print();
+    EXPECT_EQ(events, 1);
+    EXPECT_EQ(reads, 0);
+    QTimer::singleShot(0, [&] { ++events; });
+    print(freeLines - 10);
+    EXPECT_EQ(events, 1) << "handled: the count starts anew";
+    notifier.setEnabled(false);
+    close(ends[0]);
+    close(ends[1]);
+}
+
+} // namespace

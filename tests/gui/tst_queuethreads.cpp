@@ -1,0 +1,156 @@
+// Many threads and an event loop at once, without widgets: small, for the race checkers.
+
+#include "support/guiapplication.h"
+#include "support/maphost.h"
+#include "support/programdata.h"
+
+#include <zorvan/debug.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <gtest/gtest.h>
+#include <map>
+
+using Zorvan::Debug;
+using namespace Zorvan::test;
+
+namespace {
+
+constexpr int kernel = 2;
+constexpr int printers = 4;
+constexpr int linesPerPrinter = 100;
+
+/// Runs the printers and an event loop that calls \a other again and again; then nobody prints any more.
+void printBeside(const std::function<void()> &other)
+{
+    std::atomic<int> running{printers};
+    std::vector<std::thread> threads;
+    for (int printer = 0; printer < printers; ++printer) {
+        threads.emplace_back([&running, printer] {
+            for (int number = 0; number < linesPerPrinter; ++number)
+                Debug::println(kernel, 0, QStringLiteral("#%1:%2").arg(printer).arg(number), 0);
+            --running;
+        });
+    }
+    const auto turn = [&] {
+        other();
+        return running == 0;
+    };
+    if (!runUntil(turn, std::chrono::seconds(100)))
+        giveUp("the printers do not end");
+    for (std::thread &thread : threads)
+        thread.join();
+}
+
+/// How many different lines of the printers there are.
+std::size_t countPrinted(const std::vector<std::string> &lines)
+{
+    std::map<std::string, int> seen;
+    for (const std::string &line : lines) {
+        const std::size_t mark = line.find('#');
+        if (mark != std::string::npos)
+            ++seen[line.substr(mark)];
+    }
+    for (const auto &[text, times] : seen)
+        EXPECT_EQ(times, 1) << text;
+    return seen.size();
+}
+
+class QueueThreads : public ::testing::Test
+{
+protected:
+    QueueThreads() { host.store("serverPort", 0); }
+    ~QueueThreads() override
+    {
+        for (int i = 0; i < 3; ++i)
+            Debug::exitDebug();
+    }
+
+    MapHost host;
+    std::optional<TestApplication<QCoreApplication>> application{std::in_place};
+};
+
+TEST_F(QueueThreads, PrintWhileTheQueueIsSwitchedAndCleared)
+{
+    Debug::initDebug();
+    Debug::enableSettings(QStringLiteral("allowProgrammaticClear,"));
+    int round = 0;
+    printBeside([&round] {
+        inWorker([&round] {
+            Debug::setClientsAllowed(++round % 2);
+            Debug::setWindowTitle(QString::number(round));
+            Debug::clientsAllowed();
+            Debug::queueRedraw();
+            return 0;
+        });
+        Debug::setClientCount(round % 3);
+        Debug::setServerMode(round % 2);
+        Debug::clear();
+    });
+    EXPECT_EQ(countPrinted(host.takeLines()), 1U * printers * linesPerPrinter);
+}
+
+TEST_F(QueueThreads, PrintWhileTheLibraryStopsAndStarts)
+{
+    Debug::initDebug(); // helgrind does not see that statics are made by one thread: let it be this one
+    Debug::exitDebug();
+    int round = 0;
+    printBeside([&round] {
+        if (++round % 2)
+            Debug::initDebug();
+        else
+            Debug::exitDebug();
+    });
+    std::vector<std::string> lines = host.takeLines();
+    const auto log = linesOf(readFile(libraryFile("GYX-syslog-0.log"))); // what came while it was down
+    lines.insert(lines.end(), log.begin(), log.end());
+    EXPECT_EQ(countPrinted(lines), 1U * printers * linesPerPrinter);
+}
+
+TEST_F(QueueThreads, MakeTheQueueThatTheLoopServes)
+{
+    // The loop may find the start of a queue whose maker is not done with it yet.
+    host.store("serverPortOpen", 1);
+    for (int round = 0; round < 10; ++round) {
+        application.reset();
+        Debug::initDebug();
+        ASSERT_FALSE(Debug::clientsAllowed());
+        application.emplace();
+        std::atomic<bool> begin{false};
+        const auto print = [&begin] {
+            while (!begin)
+                std::this_thread::yield();
+            Debug::println(kernel, 0, QStringLiteral("first line"), 0);
+        };
+        std::thread one(print);
+        std::thread other(print);
+        begin = true;
+        EXPECT_TRUE(runUntil(&Debug::clientsAllowed)) << "round " << round;
+        one.join();
+        other.join();
+        EXPECT_EQ(host.reads("showWindow"), round + 1) << "one queue for both";
+    }
+}
+
+TEST_F(QueueThreads, AreToldThatThereAreNoWidgets)
+{
+    Debug::initDebug();
+    QCoreApplication::processEvents();
+    const auto ask = [] {
+        const QString text = QStringLiteral("text");
+        Debug::debugFileSelect(text, text, text);
+        return Debug::debugMessageBox(text, text, true, 0, 1, 0, 0);
+    };
+    EXPECT_EQ(inWorker(ask), -1);
+    EXPECT_EQ(ask(), -1);
+    const std::vector<std::string> lines = host.takeLines();
+    const auto count = [&lines](const char *text) {
+        return std::count_if(lines.begin(), lines.end(), [text](const std::string &line) {
+            return line.find(text) != std::string::npos;
+        });
+    };
+    EXPECT_EQ(count("++++ message boxes are not usable outside an QT application!"), 2);
+    EXPECT_EQ(count("++++ file selectors boxes are not usable outside an QT application!"), 2);
+}
+
+} // namespace

@@ -1,0 +1,98 @@
+// Hooks of many threads at once, with and without an event loop.
+
+#include <zorvan/debug.h>
+
+#include <QCoreApplication>
+
+#include <array>
+#include <atomic>
+#include <gtest/gtest.h>
+#include <string>
+#include <thread>
+#include <vector>
+
+using Zorvan::Debug;
+
+namespace {
+
+constexpr int activators = 8;
+constexpr int rounds = 12;
+
+std::atomic<int> s_functionCalls{0};
+
+void countFunction(char *, char *)
+{
+    ++s_functionCalls;
+}
+
+class Counter : public QObject, public Zorvan::IHookInterface
+{
+public:
+    void hookActivated(char *, char *) override { ++calls; }
+    void member(char *, char *) { ++calls; }
+
+    std::atomic<int> calls{0};
+};
+
+/// Uses all hook calls; what it installs for itself it removes again.
+void useHooks(const std::string &ownKey, Counter &own)
+{
+    for (int round = 0; round < rounds; ++round) {
+        Debug::installHook(ownKey.c_str(), &own, true);
+        Debug::installHook("shared", &own, false);
+        Debug::installCHookHandler("shared", countFunction);
+        for (const char *const key : {ownKey.c_str(), "permanent", "shared"})
+            Debug::activateHooks(key, "text");
+        int count = 0;
+        EXPECT_NE(Debug::getHooks(count), nullptr);
+        EXPECT_GE(count, 2);
+        Debug::removeCHookHandler("shared", round % 2 ? nullptr : countFunction);
+        Debug::removeHook("shared", &own);
+        Debug::removeHook(ownKey.c_str(), &own);
+    }
+}
+
+/// Runs the activators beside \a other, which is called until they have finished, and ends the library.
+template <typename Other>
+void activateBeside(Other other)
+{
+    Counter permanent;
+    std::array<Counter, activators> counters;
+    Debug::initDebug();
+    Debug::installHook("permanent", &permanent, false);
+    Debug::installCppHookHandler("permanent", &permanent,
+                                 static_cast<void (QObject::*)(char *, char *)>(&Counter::member));
+    std::atomic<int> running{activators};
+    std::vector<std::thread> threads;
+    for (Counter &counter : counters) {
+        threads.emplace_back([&counter, &running, key = "own" + std::to_string(threads.size())] {
+            useHooks(key, counter);
+            --running;
+        });
+    }
+    while (running > 0)
+        other();
+    for (std::thread &thread : threads)
+        thread.join();
+    Debug::exitDebug();
+    EXPECT_EQ(permanent.calls, 2 * activators * rounds);
+    for (const Counter &counter : counters)
+        EXPECT_GE(counter.calls, 2 * rounds); // its direct key, and at least its own activations
+    EXPECT_GE(s_functionCalls, 1);
+}
+
+TEST(HookThreads, RunEachHandlerOncePerActivation)
+{
+    activateBeside([] { std::this_thread::yield(); });
+}
+
+TEST(HookThreads, AreJoinedByTheLoopOfTheApplication)
+{
+    int argc = 0;
+    const QCoreApplication application(argc, nullptr);
+    activateBeside([] { QCoreApplication::processEvents(); });
+    activateBeside([] { std::this_thread::yield(); }); // the end joins what the loop has not seen
+    QCoreApplication::processEvents();
+}
+
+} // namespace
