@@ -40,6 +40,7 @@ struct ThreadTimes
 {
     Clock::time_point start;
     Clock::time_point end;
+    int made = 0;
     bool preempted = false;
     bool slept = false;
     std::vector<double> calls;
@@ -62,6 +63,7 @@ ThreadTimes timeCalls(const Setup &setup, const Subject &subject)
 {
     const int calls = callsPerThread(setup, subject);
     ThreadTimes times;
+    times.made = calls;
     times.calls.reserve(setup.eachCall ? static_cast<std::size_t>(calls) : 0);
     const CoreLosses before = coreLosses();
     times.start = Clock::now();
@@ -86,8 +88,10 @@ Sample summary(const Setup &setup, const std::vector<ThreadTimes> &threads)
     Clock::time_point firstStart = threads.front().start;
     Clock::time_point lastStart = firstStart;
     Clock::time_point end = threads.front().end;
+    double ownTimes = 0;
     Sample sample;
     for (const ThreadTimes &thread : threads) {
+        ownTimes += nanoseconds(thread.end - thread.start) / thread.made;
         firstStart = std::min(firstStart, thread.start);
         lastStart = std::max(lastStart, thread.start);
         end = std::max(end, thread.end);
@@ -96,7 +100,7 @@ Sample summary(const Setup &setup, const std::vector<ThreadTimes> &threads)
         sample.calls.insert(sample.calls.end(), thread.calls.begin(), thread.calls.end());
     }
     const double whole = nanoseconds(end - firstStart);
-    sample.call = whole / setup.calls;
+    sample.call = setup.ownTime ? ownTimes / static_cast<double>(threads.size()) : whole / setup.calls;
     if (nanoseconds(lastStart - firstStart) > longestStartDelay * whole)
         sample.preempted = true;
     return sample;
@@ -115,7 +119,8 @@ Sample takeSample(const Setup &setup, const Subject &subject)
 {
     const int company = subject.company ? 1 : 0;
     const int total = subject.threads + company;
-    const bool coreForEach = total <= static_cast<int>(std::thread::hardware_concurrency());
+    const bool coreForEach =
+        total + (subject.consumed ? 1 : 0) <= static_cast<int>(std::thread::hardware_concurrency());
     std::atomic<int> missing{total};
     std::atomic<int> running{subject.threads};
     const auto meetOthers = [&missing] {
@@ -131,6 +136,8 @@ Sample takeSample(const Setup &setup, const Subject &subject)
                 stayOnCore(index);
             // Warms up the caches and what belongs to the thread.
             subject.body(callsPerThread(setup, subject) / 10 + 1);
+            if (subject.settle)
+                subject.settle();
             meetOthers();
             times[static_cast<std::size_t>(index)] = timeCalls(setup, subject);
             running.fetch_sub(1);
@@ -152,16 +159,6 @@ Sample takeSample(const Setup &setup, const Subject &subject)
     if (!coreForEach)
         sample.preempted = sample.slept = false;
     return sample;
-}
-
-/// The value that \a share of all values do not exceed.
-double percentile(std::vector<double> values, double share)
-{
-    if (values.empty())
-        return 0;
-    const auto place = static_cast<std::size_t>(share * static_cast<double>(values.size() - 1));
-    std::nth_element(values.begin(), values.begin() + static_cast<std::ptrdiff_t>(place), values.end());
-    return values[place];
 }
 
 /// The samples of one subject.
@@ -228,6 +225,15 @@ std::vector<Subject> onThreads(const std::vector<int> &threads, const std::vecto
 double median(std::vector<double> values)
 {
     return percentile(std::move(values), 0.5);
+}
+
+double percentile(std::vector<double> values, double share)
+{
+    if (values.empty())
+        return 0;
+    const auto place = static_cast<std::size_t>(share * static_cast<double>(values.size() - 1));
+    std::nth_element(values.begin(), values.begin() + static_cast<std::ptrdiff_t>(place), values.end());
+    return values[place];
 }
 
 std::vector<Result> measure(const Setup &setup, const std::vector<Subject> &subjects)

@@ -18,6 +18,8 @@ struct Subject
     std::function<void(int calls)> body;
     int threads = 1;
     std::function<void()> company = {}; ///< another thread calls it without end while the sample runs
+    std::function<void()> settle = {}; ///< each thread calls it between warming up and the sample
+    bool consumed = false; ///< another thread of the program takes what is handed over: it wants a core, too
 };
 
 /// The body of a subject: \a call again and again, inlined.
@@ -39,6 +41,7 @@ struct Setup
     int rounds; ///< samples of each subject
     bool shared; ///< the threads take turns at one thing, and what counts is how fast it gets done
     bool eachCall; ///< also time single calls, which adds two readings of the clock to each
+    bool ownTime = false; ///< what counts is how long its own calls held up each thread, on the average
 };
 
 /// Figures over a set of samples, in nanoseconds.
@@ -67,5 +70,7 @@ struct Result
 std::vector<Result> measure(const Setup &setup, const std::vector<Subject> &subjects);
 
 double median(std::vector<double> values);
+/// The value that \a share of all values do not exceed; 0 if there is none.
+double percentile(std::vector<double> values, double share);
 
 } // namespace bench

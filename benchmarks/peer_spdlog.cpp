@@ -1,6 +1,8 @@
 #include "peers.h"
 
+#include <atomic>
 #include <benchmark/benchmark.h>
+#include <spdlog/async.h>
 #include <spdlog/sinks/base_sink.h>
 #include <spdlog/sinks/basic_file_sink.h>
 #include <spdlog/spdlog.h>
@@ -12,6 +14,9 @@ namespace {
 /// Formats each message and drops it; the library's own null sink does not even format.
 class FormattingSink final : public spdlog::sinks::base_sink<std::mutex>
 {
+public:
+    [[nodiscard]] int flushes() const { return m_flushes.load(); }
+
 protected:
     void sink_it_(const spdlog::details::log_msg &message) override
     {
@@ -19,7 +24,10 @@ protected:
         formatter_->format(message, line);
         benchmark::DoNotOptimize(line.data());
     }
-    void flush_() override {}
+    void flush_() override { m_flushes.fetch_add(1); }
+
+private:
+    std::atomic<int> m_flushes{0};
 };
 
 std::shared_ptr<spdlog::logger> makeLogger(std::shared_ptr<spdlog::sinks::sink> sink)
@@ -50,7 +58,25 @@ Subject formatted()
     return {"spdlog, formatting only", repeated([logger] { logger->info(messageText); })};
 }
 
-const bool s_added = addPeer({"spdlog", refused, toFile, formatted});
+Subject handedOver(const std::string &line)
+{
+    constexpr std::size_t places = 8192;
+    static const auto thread = std::make_shared<spdlog::details::thread_pool>(places, 1);
+    const auto sink = std::make_shared<FormattingSink>();
+    const auto logger = std::make_shared<spdlog::async_logger>("Measured", sink, thread);
+    logger->set_pattern("%v");
+    Subject subject{"spdlog, asynchronous logger", repeated([logger, line] { logger->info(line); })};
+    subject.settle = [logger, sink, asked = std::make_shared<std::atomic<int>>(0)] {
+        const int own = asked->fetch_add(1) + 1;
+        logger->flush();
+        while (sink->flushes() < own)
+            std::this_thread::yield();
+    };
+    subject.consumed = true;
+    return subject;
+}
+
+const bool s_added = addPeer({"spdlog", refused, toFile, formatted, handedOver});
 
 } // namespace
 

@@ -14,6 +14,7 @@ struct Peer
     Subject (*refused)(); ///< a message that the level keeps away
     Subject (*toFile)(const std::string &folder); ///< a line, flushed to a file that stays open
     Subject (*formatted)(); ///< a line, formatted and dropped
+    Subject (*handedOver)(const std::string &line) = nullptr; ///< a finished line, to the logger's own thread
 };
 
 /// Every peer's source file adds itself before main().

@@ -21,6 +21,12 @@ const char *levels[] = {"<+ CRITICAL +>: ", "<       Error>: ", "<     Warning>:
 
 } // namespace
 
+void printSummary(const Traffic &traffic, quint64 tappedLines)
+{
+    std::fprintf(stderr, "signalgenerator: %d command lines, %d replies, %llu lines through the line tap\n",
+                 traffic.commandLines, traffic.replies, static_cast<unsigned long long>(tappedLines));
+}
+
 Console::Console(Instrument &instrument)
     : m_instrument(instrument)
     , m_module(Debug::createModule("SG4000-Console", "Console"))
@@ -32,16 +38,16 @@ Console::Console(Instrument &instrument)
 Traffic Console::run(std::istream &script)
 {
     std::string line;
-    while (std::getline(script, line)) {
-        const std::size_t begin = line.find_first_not_of(" \t\r");
-        if (begin != std::string::npos && line[begin] != '#')
-            runLine(line);
-    }
+    while (std::getline(script, line))
+        runLine(line);
     return m_traffic;
 }
 
-void Console::runLine(const std::string &line)
+std::string Console::runLine(const std::string &line)
 {
+    const std::size_t begin = line.find_first_not_of(" \t\r");
+    if (begin == std::string::npos || line[begin] == '#')
+        return {};
     ++m_traffic.commandLines;
     printClass(m_module, trafficClass, Level::Info, "-> %s", line.c_str());
     const std::string reply = m_instrument.execute(line);
@@ -50,6 +56,7 @@ void Console::runLine(const std::string &line)
         std::printf("<- %s\n", reply.c_str());
         std::fflush(stdout); // keeps its place among the lines of the library
     }
+    return reply;
 }
 
 } // namespace SignalGenerator

@@ -16,6 +16,9 @@ struct Traffic
     int replies = 0;
 };
 
+/// Says on the standard error how much it was.
+void printSummary(const Traffic &traffic, quint64 tappedLines);
+
 /// Front end of a terminal: feeds lines to the instrument and writes its replies to the standard output.
 class Console
 {
@@ -24,12 +27,14 @@ public:
     /// Debug::initDebug().
     explicit Console(Instrument &instrument);
 
-    /// Carries out \a script line by line; empty lines and lines that begin with '#' are skipped.
+    /// Carries out \a script line by line.
     Traffic run(std::istream &script);
+    /// Carries out one line and returns the reply, which is on the standard output by then. Nothing happens
+    /// on an empty line and on one that begins with '#'. Used by one thread at a time.
+    std::string runLine(const std::string &line);
+    [[nodiscard]] const Traffic &traffic() const { return m_traffic; }
 
 private:
-    void runLine(const std::string &line);
-
     Instrument &m_instrument;
     Zorvan::moduleId m_module;
     Traffic m_traffic;

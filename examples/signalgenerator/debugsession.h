@@ -7,13 +7,13 @@
 
 namespace SignalGenerator {
 
-/// Runs the library for as long as it lives: make it first in main() and let all printing threads end before
-/// it.
+/// Runs the library for as long as it lives: make it first in main(), behind the application object if there
+/// is one, and let all printing threads end before it.
 class DebugSession
 {
 public:
-    explicit DebugSession(const QString &settingsFile)
-        : m_services(settingsFile)
+    explicit DebugSession(const QString &settingsFile, MessageBoxes boxes = MessageBoxes::Refused)
+        : m_services(settingsFile, boxes)
     {
         Zorvan::Debug::setUtilityCallbackHandler(&m_services);
         Zorvan::Debug::setThreadCallbackHandler(&m_threadNames);

@@ -17,8 +17,9 @@ QString path(const char *group, const QString &key)
 
 } // namespace
 
-HostServices::HostServices(const QString &settingsFile)
-    : m_settings(settingsFile.isEmpty() ? nullptr
+HostServices::HostServices(const QString &settingsFile, MessageBoxes boxes)
+    : m_messageBoxes(boxes)
+    , m_settings(settingsFile.isEmpty() ? nullptr
                                         : std::make_unique<QSettings>(settingsFile, QSettings::IniFormat))
 {}
 
@@ -53,7 +54,7 @@ void HostServices::outputLine(const QString &)
 
 bool HostServices::messageBoxesAllowed()
 {
-    return false;
+    return m_messageBoxes == MessageBoxes::Allowed;
 }
 
 double HostServices::counterFrequency()

@@ -10,6 +10,9 @@
 
 namespace SignalGenerator {
 
+/// Whether somebody sits before the instrument who could answer a message box.
+enum class MessageBoxes { Refused, Allowed };
+
 /// What this host lends to the library: settings in an ini file, a clock and a line tap.
 ///
 /// The library calls it from every printing thread while the module table is locked. So nothing in here
@@ -18,7 +21,7 @@ class HostServices : public Zorvan::IUtilityInterface
 {
 public:
     /// Without a file name every setting has its default and changes are forgotten.
-    explicit HostServices(const QString &settingsFile);
+    explicit HostServices(const QString &settingsFile, MessageBoxes boxes = MessageBoxes::Refused);
 
     int readIntegerSetting(const char *group, const QString &key, int defaultValue) override;
     QString readStringSetting(const char *group, const QString &key, const QString &defaultValue) override;
@@ -32,6 +35,7 @@ public:
     [[nodiscard]] quint64 tappedLines() const { return m_tappedLines; }
 
 private:
+    const MessageBoxes m_messageBoxes;
     std::mutex m_mutex; // guards m_settings
     std::unique_ptr<QSettings> m_settings;
     std::atomic<quint64> m_tappedLines{0};

@@ -29,4 +29,22 @@ std::string Instrument::execute(std::string_view line)
     return m_parser.execute(line);
 }
 
+Status Instrument::status() const
+{
+    Settings settings = m_database.snapshot();
+    settings[ParameterId::Frequency] += settings[ParameterId::FrequencyOffset];
+    settings[ParameterId::Level] += settings[ParameterId::LevelOffset];
+    return {settings, m_hardware.state(), m_errors.count()};
+}
+
+void Instrument::abort()
+{
+    m_sequencer.requestAbort();
+}
+
+void Instrument::close()
+{
+    m_sequencer.close();
+}
+
 } // namespace SignalGenerator

@@ -13,6 +13,14 @@
 
 namespace SignalGenerator {
 
+/// What a front panel shows.
+struct Status
+{
+    Settings settings; ///< frequency and level include their offsets, as in commands
+    HardwareState hardware;
+    std::size_t errors = 0; ///< entries of the error queue
+};
+
 /// The signal generator behind its remote control. A front end makes one and feeds it lines from one thread.
 ///
 /// A command stores its setting in the database; the kernel thread turns changes into settings of the boards;
@@ -28,6 +36,12 @@ public:
 
     /// Carries out one line of commands and returns the reply, empty if there is none.
     [[nodiscard]] std::string execute(std::string_view line);
+    /// Any thread, at any time: it waits for nothing but another thread's copy of a few values.
+    [[nodiscard]] Status status() const;
+    /// Ends a running list or sweep, and with it a command that waits for one. Any thread; returns at once.
+    void abort();
+    /// The same, and from now on each list or sweep ends at its first point.
+    void close();
 
 private:
     // Each needs those before it, so that the threads end from the last to the first.

@@ -1,9 +1,10 @@
 #include "console.h"
 #include "debugsession.h"
 #include "instrument.h"
+#include "options.h"
+#include "panel/panelsession.h"
 
 #include <cstdio>
-#include <cstring>
 #include <fstream>
 #include <iostream>
 
@@ -11,51 +12,43 @@ using namespace SignalGenerator;
 
 namespace {
 
-constexpr const char *usage =
-    "Usage: signalgenerator [--settings FILE.ini] [SCRIPT]\n"
-    "Simulates a signal generator under remote control.\n"
-    "  SCRIPT      file with one command line per line; \"-\" or nothing: standard input\n"
-    "  --settings  settings of the debug output, group DebugServer\n";
-
-struct Options
+// No application object is made, so the library prints its lines on the standard output.
+void runHeadlessSession(const Options &options, std::istream &script)
 {
-    const char *script = "-";
-    const char *settings = "";
-    bool help = false;
-};
+    setThreadName("command");
+    const DebugSession session(QString::fromLocal8Bit(options.settings.c_str()));
+    Traffic traffic;
+    {
+        Instrument instrument;
+        traffic = Console(instrument).run(script);
+    }
+    printSummary(traffic, session.services().tappedLines());
+}
 
-bool parse(int count, char **arguments, Options &options)
+bool wantsPanel(const Options &options)
 {
-    bool scriptGiven = false;
-    for (int i = 1; i < count; ++i) {
-        if (std::strcmp(arguments[i], "--help") == 0) {
-            options.help = true;
-        } else if (std::strcmp(arguments[i], "--settings") == 0 && i + 1 < count) {
-            options.settings = arguments[++i];
-        } else if ((arguments[i][0] == '-' && arguments[i][1] != '\0') || scriptGiven) {
-            return false;
-        } else {
-            options.script = arguments[i];
-            scriptGiven = true;
+    if (options.headless || options.script == "-")
+        return false;
+    if (!displayIsThere())
+        std::fputs("signalgenerator: no display, running without the panel as with --headless\n", stderr);
+    return displayIsThere();
+}
+
+int run(const Options &options)
+{
+    const bool fromInput = options.script.empty() || options.script == "-";
+    std::ifstream file;
+    if (!fromInput) {
+        file.open(options.script);
+        if (!file) {
+            std::fprintf(stderr, "signalgenerator: cannot open %s\n", options.script.c_str());
+            return 1;
         }
     }
-    return true;
-}
-
-Traffic runInstrument(std::istream &script)
-{
-    Instrument instrument;
-    return Console(instrument).run(script);
-}
-
-// No application object is made, so the library prints its lines on the standard output.
-void runSession(const char *settings, std::istream &script)
-{
-    const DebugSession session(QString::fromLocal8Bit(settings));
-    const Traffic traffic = runInstrument(script);
-    std::fprintf(stderr, "signalgenerator: %d command lines, %d replies, %llu lines through the line tap\n",
-                 traffic.commandLines, traffic.replies,
-                 static_cast<unsigned long long>(session.services().tappedLines()));
+    if (wantsPanel(options))
+        return runPanelSession(options);
+    runHeadlessSession(options, fromInput ? std::cin : file);
+    return 0;
 }
 
 } // namespace
@@ -63,24 +56,14 @@ void runSession(const char *settings, std::istream &script)
 int main(int argc, char **argv)
 {
     Options options;
-    const bool valid = parse(argc, argv, options);
+    const bool valid = parseOptions(argc, argv, options);
     if (!valid || options.help) {
         std::fputs(usage, valid ? stdout : stderr);
         return valid ? 0 : 1;
     }
-    const bool fromInput = std::strcmp(options.script, "-") == 0;
-    std::ifstream file;
-    if (!fromInput) {
-        file.open(options.script);
-        if (!file) {
-            std::fprintf(stderr, "signalgenerator: cannot open %s\n", options.script);
-            return 1;
-        }
-    }
-    setThreadName("command");
     // Before and after the session there is no debug output yet: the system log takes the message.
     Zorvan::gyxLog("main.cpp", __LINE__, "signal generator starts\n");
-    runSession(options.settings, fromInput ? std::cin : file);
+    const int result = run(options);
     Zorvan::gyxLog("main.cpp", __LINE__, "signal generator has ended\n");
-    return 0;
+    return result;
 }

@@ -37,19 +37,33 @@ void Sequencer::start(Sequence sequence)
     abort();
     {
         const std::lock_guard<std::mutex> guard(m_mutex);
-        m_aborted = false;
+        m_aborted = m_closed;
     }
     m_thread.post([this, sequence = std::move(sequence)] { run(sequence); });
 }
 
 void Sequencer::abort()
 {
+    requestAbort();
+    waitUntilDone();
+}
+
+void Sequencer::requestAbort()
+{
     {
         const std::lock_guard<std::mutex> guard(m_mutex);
         m_aborted = true;
     }
     m_abort.notify_all();
-    waitUntilDone();
+}
+
+void Sequencer::close()
+{
+    {
+        const std::lock_guard<std::mutex> guard(m_mutex);
+        m_closed = true;
+    }
+    requestAbort();
 }
 
 void Sequencer::waitUntilDone()

@@ -37,7 +37,12 @@ public:
 
     /// Aborts what runs, then starts; returns at once.
     void start(Sequence sequence);
+    /// Returns when nothing runs any more.
     void abort();
+    /// The same without waiting for it; any thread.
+    void requestAbort();
+    /// Aborts what runs and what is started from now on, without waiting for it; any thread.
+    void close();
     void waitUntilDone();
 
 private:
@@ -46,9 +51,10 @@ private:
     [[nodiscard]] bool dwell(std::chrono::duration<double> time);
 
     Kernel &m_kernel;
-    std::mutex m_mutex; // guards m_aborted
+    std::mutex m_mutex; // guards m_aborted and m_closed
     std::condition_variable m_abort;
     bool m_aborted = false;
+    bool m_closed = false;
     WorkerThread m_thread{"sweep"}; // last, so that it ends first
 };
 

@@ -27,6 +27,7 @@ void restartWithOwnProgramData(char **argv)
         std::exit(1);
     }
     setenv(dataVariable, folder.c_str(), 1);
+    setenv("XDG_CONFIG_HOME", folder.c_str(), 1); // file dialogs remember their folders
     setenv(ownVariable, std::to_string(getpid()).c_str(), 1); // a child of a test gets a folder of its own
     execv(std::filesystem::read_symlink("/proc/self/exe").c_str(),
           argv); // the link itself may name a checker

@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <gtest/gtest.h>
+#include <thread>
 
 using namespace SignalGenerator;
 
@@ -72,6 +73,33 @@ TEST_F(InstrumentTest, ReportsFaultsOfTheHardware)
     EXPECT_EQ(execute("SYST:ERR?"), "20,\"External reference missing;REF IN\"");
     EXPECT_EQ(execute("ROSC:SOUR INT;:OUTP ON;:FREQ 5 GHz;*OPC?;:POW 22;*OPC?;:SYST:ERR?"),
               "1;1;50,\"Output unlevelled;22 dBm\"");
+}
+
+TEST_F(InstrumentTest, TellsItsStatusWhileACommandWaits)
+{
+    (void)execute("FREQ 2 GHz;:FREQ:OFFS 1 GHz;:POW:OFFS -3;:OUTP ON;*OPC?;:NONSENSE");
+    const Status status = m_instrument.status();
+    EXPECT_EQ(status.settings[ParameterId::Frequency], 3e9);
+    EXPECT_EQ(status.settings[ParameterId::Level], -33);
+    EXPECT_EQ(status.hardware.frequencyHz, 2e9);
+    EXPECT_EQ(status.errors, 1U);
+
+    (void)execute("FREQ:OFFS 0;:FREQ:STAR 4 GHz;:FREQ:MODE SWE;:SWE:DWEL 100 s");
+    std::thread command([this] { EXPECT_EQ(execute("SWE:EXEC;*OPC?"), "1"); });
+    while (m_instrument.status().hardware.frequencyHz != 4e9)
+        std::this_thread::yield();
+    m_instrument.abort();
+    command.join();
+    EXPECT_EQ(execute("*OPC?"), "1");
+    EXPECT_EQ(m_instrument.status().hardware.frequencyHz, 2e9) << "back at the carrier";
+}
+
+TEST_F(InstrumentTest, LetsNothingWaitOnceItCloses)
+{
+    (void)execute("FREQ:MODE SWE;:SWE:DWEL 100 s");
+    m_instrument.close();
+    EXPECT_EQ(execute("SWE:EXEC;*OPC?"), "1");
+    EXPECT_EQ(execute("SWE:EXEC;*OPC?;:SYST:ERR?"), "1;0,\"No error\"");
 }
 
 } // namespace
