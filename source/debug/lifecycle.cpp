@@ -20,6 +20,7 @@ const char *defaultLevels[] = {
 const char *defaultClasses[] = {"<debug message>, ", "<  time meas  >, "};
 
 std::atomic<int> s_users{0};
+std::atomic<bool> s_endIsUnfinished{false}; // the last user has gone, the modules are still there
 
 /// Runs when the application object is destroyed: the library ends with it, whatever the balance of calls.
 void endWithApplication()
@@ -48,14 +49,30 @@ void silenceBoxesIfForbidden()
         host::setMessageBoxHandler(nullptr);
 }
 
+/// What is left of an end, with the table locked. The next start does it if it comes first.
+void finishEnd() ZORVAN_REQUIRES(moduleTable().lock())
+{
+    if (!s_endIsUnfinished.exchange(false))
+        return;
+    guibridge::setEndHandler(nullptr);
+    hooks::release();
+    moduleTable().release();
+    outputFile().beginRun();
+    displayflags::reset();
+    setupOutputEnabled(true); // as before the first start
+}
+
 /// Counts one more user and builds the modules for the first one, which gets true. Whoever comes second
 /// meanwhile waits until there are modules.
 bool addUser()
 {
     const TableLock guard;
+    const bool isFirst = s_users.fetch_add(1) == 0;
+    if (isFirst)
+        finishEnd();
     guibridge::setEndHandler(endWithApplication);
     guibridge::watchApplicationEnd();
-    if (s_users.fetch_add(1) != 0)
+    if (!isFirst)
         return false;
     silenceBoxesIfForbidden();
     buildModules();
@@ -65,23 +82,18 @@ bool addUser()
 /// Takes back one user. True if it was the last one. Surplus calls change nothing.
 bool removeLastUser()
 {
+    const TableLock guard;
     int users = s_users.load();
     while (users > 0 && !s_users.compare_exchange_weak(users, users - 1)) {}
+    if (users == 1)
+        s_endIsUnfinished.store(true);
     return users == 1;
 }
 
-/// Forgets the modules, unless somebody has started the library again meanwhile.
 void releaseModules()
 {
     const TableLock guard;
-    if (s_users.load() != 0)
-        return;
-    guibridge::setEndHandler(nullptr);
-    hooks::release();
-    moduleTable().release();
-    outputFile().beginRun();
-    displayflags::reset();
-    setupOutputEnabled(true); // as before the first start
+    finishEnd();
 }
 
 /// From the moment the road is closed until the modules are gone, lines go to the standard output; hooks that

@@ -96,6 +96,14 @@ private:
 /// The one table of the process, never destroyed: static objects of the host may print.
 ModuleTable &moduleTable();
 
+/// Call whenever the table's lock was released: if it was the outermost time, a thread that printed pays for
+/// its lines.
+inline void payAfterLines()
+{
+    if (afterlines::isDue())
+        afterlines::pay();
+}
+
 /// Locks the one table for a scope. At the end of its outermost scope a thread that printed wakes the GUI
 /// thread, and is held back if the GUI thread cannot follow.
 class ZORVAN_SCOPED_CAPABILITY TableLock
@@ -105,8 +113,7 @@ public:
     ~TableLock() ZORVAN_RELEASE()
     {
         moduleTable().lock().unlock();
-        if (afterlines::isDue())
-            afterlines::pay();
+        payAfterLines();
     }
     TableLock(const TableLock &) = delete;
     TableLock &operator=(const TableLock &) = delete;

@@ -165,6 +165,7 @@ ChangeScope::~ChangeScope()
     if (--s_gate.changes == 0)
         changeGate(Gate::changing, false);
     moduleTable().lock().unlock();
+    payAfterLines();
 }
 
 bool Debug::isActive(moduleId module, int level, int cls)

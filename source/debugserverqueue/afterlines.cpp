@@ -27,6 +27,7 @@ struct Due
 };
 
 thread_local Due t_due;
+thread_local bool t_isPaying = false; // lines printed meanwhile are free
 
 } // namespace
 
@@ -42,8 +43,8 @@ void noteBatch()
 
 void noteLine(std::int32_t waiting)
 {
-    if (waiting <= mostWaiting)
-        return;
+    if (waiting <= mostWaiting || t_isPaying || !guibridge::eventLoopRunning())
+        return; // without a loop nobody would shorten the wait
     void *const loopThread = s_loopThread.load(std::memory_order_relaxed);
     if (loopThread == nullptr)
         return;
@@ -65,12 +66,16 @@ void pay()
     const Due due = std::exchange(t_due, Due());
     if (due.wakeUp)
         guibridge::announceLines();
+    if (t_isPaying)
+        return;
+    t_isPaying = true;
     for (int delay = 0; delay < due.delays && guibridge::waitingLines() > mostWaiting; ++delay)
         platform::sleepFor(delayOfLine);
     if (due.events) {
         QCoreApplication::processEvents(QEventLoop::ExcludeSocketNotifiers);
         guibridge::forgetWaitingLines();
     }
+    t_isPaying = false;
 }
 
 } // namespace Zorvan::afterlines

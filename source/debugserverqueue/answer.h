@@ -2,6 +2,7 @@
 
 #include "platform/waitcondition.h"
 
+#include <functional>
 #include <memory>
 #include <utility>
 
@@ -81,8 +82,14 @@ public:
     }
 
     void carry(std::shared_ptr<Answer<Value>> answer) { m_answer = std::move(answer); }
-    /// For a handler that may be destroyed while it runs a nested event loop.
-    [[nodiscard]] std::shared_ptr<Answer<Value>> release() { return std::exchange(m_answer, nullptr); }
+    /// What ends the wait in the place of a user who does not answer.
+    [[nodiscard]] std::function<void()> giver() const
+    {
+        return [answer = m_answer] {
+            if (answer)
+                answer->giveUp();
+        };
+    }
 
 private:
     std::shared_ptr<Answer<Value>> m_answer;

@@ -3,11 +3,13 @@
 #include "debugserverqueue/debugmessagedialog.h"
 #include "debugserverqueue/debugserverqueue.h"
 #include "debugserverqueue/guibridge.h"
+#include "debugserverqueue/showndialog.h"
 #include "host/hosthandlers.h"
 #include "lowlevelfunctions/daemonlink.h"
 
 #include <QApplication>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QKeyEvent>
 #include <QPointer>
 
@@ -85,18 +87,23 @@ BoxPresenter::~BoxPresenter()
     }
 }
 
-int BoxPresenter::show(const BoxContent &content)
+int BoxPresenter::show(const BoxContent &content, const std::function<void()> &giveUp)
 {
     if (IMessageBoxInterface *const handler = host::messageBoxHandler()) {
         handler->showMessage(content.message);
         return handledByHost;
     }
-    return content.modal ? askModal(m_queue, content) : showOpen(content);
+    return content.modal ? askModal(m_queue, content, giveUp) : showOpen(content);
 }
 
 int BoxPresenter::showOpen(const BoxContent &content)
 {
+    const QPointer<DebugServerQueue> keptQueue(&m_queue);
     auto *const box = new debugMessageDialog(content);
+    if (!keptQueue) { // the host ended the library when it was asked for the settings of the box
+        delete box;
+        return boxcodes::noAnswer;
+    }
     box->installEventFilter(&m_queue);
     QCoreApplication::instance()->installEventFilter(&m_queue);
     box->show();
@@ -106,17 +113,21 @@ int BoxPresenter::showOpen(const BoxContent &content)
 }
 
 // Static: after the box's event loop only what is held here is sure to exist.
-int BoxPresenter::askModal(DebugServerQueue &queue, const BoxContent &content)
+int BoxPresenter::askModal(DebugServerQueue &queue, const BoxContent &content,
+                           const std::function<void()> &giveUp)
 {
     const QPointer<DebugServerQueue> keptQueue(&queue);
     queue.timeout(); // what led to the question is seen before it
     const QPointer<debugMessageDialog> box(new debugMessageDialog(content));
-    QCoreApplication::instance()->installEventFilter(&queue);
+    if (keptQueue)
+        QCoreApplication::instance()->installEventFilter(keptQueue);
     int result = 0;
     {
         const ProgressNotices notices;
+        const ShownDialog shown(*box, giveUp);
         result = box->exec();
     }
+    // Also when other boxes are open: hosts know it like that.
     if (keptQueue)
         QCoreApplication::instance()->removeEventFilter(keptQueue);
     delete box.data();
@@ -159,9 +170,15 @@ void BoxPresenter::stopFilteringWithoutBoxes()
         QCoreApplication::instance()->removeEventFilter(&m_queue);
 }
 
-QString BoxPresenter::selectFile(const FileQuestion &question)
+QString BoxPresenter::selectFile(const FileQuestion &question, const std::function<void()> &giveUp)
 {
-    return QFileDialog::getOpenFileName(nullptr, question.caption, question.directory, question.filter);
+    QFileDialog dialog(nullptr, question.caption, question.directory, question.filter);
+    dialog.setAttribute(Qt::WA_QuitOnClose, false); // perhaps the only window of the host
+    dialog.setFileMode(QFileDialog::ExistingFile);
+    if (QFileInfo(question.directory).isFile())
+        dialog.selectFile(question.directory);
+    const ShownDialog shown(dialog, giveUp);
+    return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().value(0) : QString();
 }
 
 } // namespace Zorvan

@@ -24,19 +24,22 @@ public:
     BoxPresenter(const BoxPresenter &) = delete;
     BoxPresenter &operator=(const BoxPresenter &) = delete;
 
-    /// What Debug::debugMessageBox() returns for the box.
-    int show(const BoxContent &content);
+    /// What Debug::debugMessageBox() returns for the box. \a giveUp releases a thread that waits for it.
+    int show(
+        const BoxContent &content, const std::function<void()> &giveUp = [] {});
     /// Takes an open box away; an unknown id does no harm.
     void remove(int id);
     /// Keeps the focus inside the boxes and notices when one is hidden. True if the event is used up.
     bool filter(QObject *watched, QEvent *event);
 
     /// The chosen path, empty if the user cancelled.
-    static QString selectFile(const FileQuestion &question);
+    static QString selectFile(
+        const FileQuestion &question, const std::function<void()> &giveUp = [] {});
 
 private:
     int showOpen(const BoxContent &content);
-    static int askModal(DebugServerQueue &queue, const BoxContent &content);
+    static int askModal(DebugServerQueue &queue, const BoxContent &content,
+                        const std::function<void()> &giveUp);
     void boxHidden(QObject *box);
     void stopFilteringWithoutBoxes();
 

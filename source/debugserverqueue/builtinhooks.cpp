@@ -57,6 +57,8 @@ QString textOfTestEditor()
     QPointer<QTextEdit> &editor = testEditor();
     if (!editor) {
         editor = new QTextEdit;
+        editor->setWindowTitle(QStringLiteral("debugMessageBox test"));
+        editor->setAttribute(Qt::WA_QuitOnClose, false); // perhaps the only window of the host
         editor->setFont(QFont(QStringLiteral("Courier"), 10));
         editor->resize(800, 600);
     }

@@ -1,6 +1,8 @@
 #include "debugserverqueue/debugmessagedialog.h"
 
 #include <QAbstractTextDocumentLayout>
+#include <QAccessible>
+#include <QCloseEvent>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
@@ -139,6 +141,17 @@ void debugMessageDialog::showEvent(QShowEvent *event)
         m_textArea->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     }
     QDialog::showEvent(event);
+    QAccessibleEvent alert(this, QAccessible::Alert);
+    QAccessible::updateAccessibility(&alert);
+}
+
+// An application that closes its windows at its end takes also those that their user cannot close.
+void debugMessageDialog::closeEvent(QCloseEvent *event)
+{
+    if (!event->spontaneous() && !isModal() && m_buttons.empty())
+        hide();
+    else
+        QDialog::closeEvent(event);
 }
 
 void debugMessageDialog::changeEvent(QEvent *event)

@@ -22,12 +22,11 @@ constexpr std::int32_t linesPerMillisecond = 50; // longer batches grow by 1 ms 
 std::atomic<bool> s_useDaemon{false};
 std::atomic<bool> s_clientsAllowed{false};
 
-/// Once per process, before the first batch. The host's reader may lead here again.
-void readNoWindowOutput()
+void openServerIfWanted()
 {
-    static std::atomic<bool> isRead{false};
-    if (!isRead.exchange(true))
-        guibridge::dropWindowOutput(host::readInteger(QStringLiteral("noWindowOutput"), 0) == 1);
+    if (!QCoreApplication::startingUp() && !QCoreApplication::closingDown()
+        && host::readInteger(QStringLiteral("serverPortOpen"), 0) == 1)
+        Debug::setClientsAllowed(true);
 }
 
 bool isQueueEvent(QEvent::Type type)
@@ -44,17 +43,14 @@ DebugServerQueue::DebugServerQueue()
     moveToThread(application->thread());
     connect(application, &QCoreApplication::aboutToQuit, this, &DebugServerQueue::eventloopStopped);
     installEventFilter(this);
-    hooks::installLibraryHooks(this);
+    s_clientsAllowed.store(false);
+    hooks::installLibraryHooks();
 }
 
 DebugServerQueue::~DebugServerQueue()
 {
-    hooks::removeLibraryHooks(this);
-}
-
-void DebugServerQueue::hookActivated(char *key, char *parameters)
-{
-    runBuiltinHook(key, parameters);
+    guibridge::queueGone(this);
+    closeTestEditor();
 }
 
 bool DebugServerQueue::clientsAllowed()
@@ -84,8 +80,10 @@ void DebugServerQueue::eventloopStopped()
 
 void DebugServerQueue::timeout()
 {
-    readNoWindowOutput();
-    guibridge::deliverLines(m_batch);
+    const QPointer<DebugServerQueue> kept(this);
+    guibridge::readOutputSettings();
+    if (kept && guibridge::queueHere() == this) // the lines belong to its successor otherwise
+        guibridge::deliverLines(m_batch);
 }
 
 // As a filter of the application it sees the events of all objects, and numbers of its events may mean
@@ -113,7 +111,7 @@ void DebugServerQueue::handle(QEvent *event)
         break;
     case QueueEvent::Box: {
         auto *const request = static_cast<BoxMsg *>(event);
-        request->answer.give(m_boxes->show(request->content));
+        request->answer.give(m_boxes->show(request->content, request->answer.giver()));
         break;
     }
     case QueueEvent::RemoveBox:
@@ -121,7 +119,7 @@ void DebugServerQueue::handle(QEvent *event)
         break;
     case QueueEvent::FileSelect: {
         auto *const request = static_cast<FileSelectMsg *>(event);
-        request->answer.give(BoxPresenter::selectFile(request->question));
+        request->answer.give(BoxPresenter::selectFile(request->question, request->answer.giver()));
         break;
     }
     case QueueEvent::HookDone:
@@ -138,16 +136,15 @@ void DebugServerQueue::handle(QEvent *event)
     }
 }
 
+// The host is asked last: it may do anything, even end the library.
 void DebugServerQueue::start()
 {
-    if (!QCoreApplication::startingUp() && !QCoreApplication::closingDown()
-        && host::readInteger(QStringLiteral("serverPortOpen"), 0) == 1)
-        Debug::setClientsAllowed(true);
+    m_isStarted = true;
     m_flushTimer = std::make_unique<QTimer>();
     m_flushTimer->setSingleShot(true);
     connect(m_flushTimer.get(), &QTimer::timeout, this, &DebugServerQueue::timeout);
     guibridge::loopFound();
-    m_isStarted = true;
+    openServerIfWanted();
 }
 
 void DebugServerQueue::armTimer()

@@ -17,7 +17,7 @@ class BoxPresenter;
 ///
 /// Other threads reach it through guibridge only. It is made in whatever thread first needs it and moves to
 /// the application's thread; everything but the constructor runs there, the destructor included.
-class DebugServerQueue final : public QObject, public IHookInterface
+class DebugServerQueue final : public QObject
 {
     Q_OBJECT
 
@@ -25,8 +25,6 @@ public:
     DebugServerQueue();
     ~DebugServerQueue() override;
 
-    /// The library's own hooks. In the thread that runs the hook.
-    void hookActivated(char *key, char *parameters) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
 
     [[nodiscard]] BoxPresenter &boxes() { return *m_boxes; }

@@ -5,15 +5,16 @@
 #include "debugserverqueue/events.h"
 #include "debugserverqueue/hooks.h"
 #include "debugserverqueue/pendinglines.h"
+#include "debugserverqueue/showndialog.h"
 #include "host/hosthandlers.h"
 #include "host/tablestate.h"
 #include "platform/process.h"
 #include "platform/standardoutput.h"
 
 #include <QApplication>
-#include <QPointer>
 #include <QThread>
 
+#include <algorithm>
 #include <atomic>
 #include <vector>
 
@@ -24,6 +25,7 @@ namespace {
 using platform::Locked;
 
 std::atomic<bool> s_eventLoopRunning{false};
+std::atomic<bool> s_canShowWindows{false}; // found out when the queue is made
 std::atomic<bool> s_windowOutputDropped{false};
 std::atomic<bool> s_clientMode{false};
 std::atomic<int> s_clientCount{0};
@@ -35,18 +37,21 @@ std::atomic<void (*)()> s_endHandler{nullptr};
 std::atomic<bool> s_queueExists{false};
 std::atomic<int> s_endings{0};
 std::atomic<bool> s_applicationEnds{false};
+std::atomic<bool> s_endIsWatched{false};
 std::atomic<bool> s_isForkedChild{false};
+std::atomic<bool> s_processEnds{false};
 
 /// The queue, and what belongs to it. One object, never destroyed: static objects of the host may print.
 struct Road
 {
-    platform::Mutex creation; ///< held while the queue is made, and to forbid it
+    bool isBeingMade ZORVAN_GUARDED_BY(TableState::lock()) = false;
+    platform::Mutex delivery; ///< held from taking a batch until it is written: batches keep their order
+    PendingLines lines;
     platform::Mutex handOver; ///< held to post: a queue that somebody posts to is not deleted meanwhile
     DebugServerQueue *queue ZORVAN_GUARDED_BY(handOver) = nullptr;
     QString title ZORVAN_GUARDED_BY(handOver);
-    /// Queues that wait for their own thread to delete them.
-    std::vector<QPointer<QObject>> retired ZORVAN_GUARDED_BY(handOver);
-    PendingLines lines;
+    /// Detached queues that are still to be deleted. Who takes one out deletes it.
+    std::vector<DebugServerQueue *> retired ZORVAN_GUARDED_BY(handOver);
 };
 
 Road &road()
@@ -59,7 +64,7 @@ bool mayMakeQueue()
 {
     return s_endings.load(std::memory_order_acquire) == 0
         && !s_applicationEnds.load(std::memory_order_relaxed)
-        && !s_isForkedChild.load(std::memory_order_relaxed);
+        && !s_isForkedChild.load(std::memory_order_relaxed) && !s_processEnds.load(std::memory_order_relaxed);
 }
 
 void postTo(DebugServerQueue *queue, std::unique_ptr<QEvent> event)
@@ -77,14 +82,18 @@ void publish(DebugServerQueue *queue)
     postTo(queue, std::make_unique<QEvent>(eventType(QueueEvent::Start)));
 }
 
-/// False: there is one already, or none may be made. No host code runs in here.
+/// False: there is one already, or none may be made. The application of the host may see the new object, and
+/// print or ask something in turn; there is no queue for that yet.
 bool makeQueue()
 {
-    const Locked guard(road().creation);
-    if (queueExists() || !mayMakeQueue())
+    const Locked table(TableState::lock());
+    if (queueExists() || road().isBeingMade || !qtApplicationRuns() || !mayMakeQueue())
         return false;
+    road().isBeingMade = true;
     watchApplicationEnd();
+    s_canShowWindows.store(qobject_cast<QApplication *>(QCoreApplication::instance()) != nullptr);
     publish(new DebugServerQueue);
+    road().isBeingMade = false;
     return true;
 }
 
@@ -108,9 +117,30 @@ DebugServerQueue *detachQueue()
     DebugServerQueue *const queue = std::exchange(road().queue, nullptr);
     s_queueExists.store(false, std::memory_order_release);
     road().title = QString();
-    if (queue)
+    if (queue) {
         QCoreApplication::removePostedEvents(queue); // their ends answer whoever waits
+        road().retired.push_back(queue);
+    }
     return queue;
+}
+
+/// False: somebody else deletes it, or has done so.
+bool takeRetired(DebugServerQueue *queue)
+{
+    const Locked guard(road().handOver);
+    const auto found = std::find(road().retired.begin(), road().retired.end(), queue);
+    if (found == road().retired.end())
+        return false;
+    road().retired.erase(found);
+    return true;
+}
+
+/// Its own thread deletes it, if that has a loop; otherwise the end of the application does.
+void deleteLater(DebugServerQueue *queue)
+{
+    const Locked guard(road().handOver);
+    if (std::find(road().retired.begin(), road().retired.end(), queue) != road().retired.end())
+        queue->deleteLater();
 }
 
 void deliverLastLines()
@@ -119,37 +149,38 @@ void deliverLastLines()
     deliverLines(batch);
 }
 
-/// A process may end without its application object being destroyed.
+/// A process may end without its application object being destroyed. What is printed from here on goes to the
+/// standard output at once. No lock of the table: a thread that still runs may never release it.
 class ProcessEnd
 {
 public:
     ProcessEnd() = default;
-    ~ProcessEnd() { deliverLastLines(); }
+    ~ProcessEnd()
+    {
+        s_processEnds.store(true);
+        s_queueExists.store(false);
+        deliverLastLines();
+    }
     ProcessEnd(const ProcessEnd &) = delete;
     ProcessEnd &operator=(const ProcessEnd &) = delete;
 };
 
 const ProcessEnd s_processEnd;
 
-void retire(DebugServerQueue *queue)
-{
-    {
-        const Locked guard(road().handOver);
-        road().retired.emplace_back(queue);
-    }
-    queue->deleteLater();
-}
-
 /// No loop will delete them any more. In the GUI thread.
 void deleteRetired()
 {
-    std::vector<QPointer<QObject>> retired;
-    {
-        const Locked guard(road().handOver);
-        retired.swap(road().retired);
+    for (;;) {
+        DebugServerQueue *queue = nullptr;
+        {
+            const Locked guard(road().handOver);
+            if (road().retired.empty())
+                return;
+            queue = road().retired.back();
+            road().retired.pop_back();
+        }
+        delete queue;
     }
-    for (const QPointer<QObject> &queue : retired)
-        delete queue.data();
 }
 
 void applicationStarts()
@@ -161,6 +192,7 @@ void applicationStarts()
 /// want the queue.
 void applicationEnds()
 {
+    s_endIsWatched.store(false); // the application takes the registration with it
     setEventLoopRunning(false);
     if (void (*const handler)() = s_endHandler.load())
         handler();
@@ -171,18 +203,9 @@ void applicationEnds()
     applicationGone();
 }
 
-void holdCreation() ZORVAN_NO_THREAD_SAFETY_ANALYSIS
-{
-    road().creation.lock();
-}
-
-void releaseCreation() ZORVAN_NO_THREAD_SAFETY_ANALYSIS
-{
-    road().creation.unlock();
-}
-
 void holdRoad() ZORVAN_NO_THREAD_SAFETY_ANALYSIS
 {
+    road().delivery.lock();
     road().lines.lockForFork();
     road().handOver.lock();
 }
@@ -191,16 +214,17 @@ void releaseRoad() ZORVAN_NO_THREAD_SAFETY_ANALYSIS
 {
     road().handOver.unlock();
     road().lines.unlockInParent();
+    road().delivery.unlock();
 }
 
 void releaseRoadInChild() ZORVAN_NO_THREAD_SAFETY_ANALYSIS
 {
-    if (road().queue)
-        s_isForkedChild.store(true);
+    s_isForkedChild.store(QCoreApplication::instance() != nullptr);
     road().queue = nullptr;
     s_queueExists.store(false);
     road().handOver.unlock();
     road().lines.unlockInChild();
+    road().delivery.unlock();
 }
 
 } // namespace
@@ -213,7 +237,7 @@ bool qtApplicationRuns()
 
 bool canShowWindows()
 {
-    return qobject_cast<QApplication *>(QCoreApplication::instance()) != nullptr;
+    return s_canShowWindows.load();
 }
 
 bool usingQt()
@@ -262,11 +286,15 @@ bool postRequest(std::unique_ptr<QEvent> event)
 
 bool handOver(std::string_view line)
 {
-    if (!usingQt())
+    // The queue outlives all doubts about the application: it is detached before the application goes.
+    const bool isNew = !queueExists() && makeQueue();
+    if (!queueExists())
         return false;
     if (road().lines.append(line))
         afterlines::noteBatch();
     afterlines::noteLine(waitingLines());
+    if (isNew)
+        readQueueSettings(); // what its reading prints comes behind this line
     return true;
 }
 
@@ -287,13 +315,16 @@ void forgetWaitingLines()
 
 void deliverLines(std::string &batch)
 {
+    const Locked guard(road().delivery);
     if (road().lines.take(batch) && !s_windowOutputDropped.load(std::memory_order_relaxed))
         platform::writeStandardOutput(batch += '\n');
 }
 
-void dropWindowOutput(bool dropped)
+void readOutputSettings()
 {
-    s_windowOutputDropped.store(dropped);
+    static std::atomic<bool> isRead{false};
+    if (!isRead.exchange(true)) // before reading: the host's reader may lead here again
+        s_windowOutputDropped.store(host::readInteger(QStringLiteral("noWindowOutput"), 0) == 1);
 }
 
 void clear()
@@ -397,7 +428,6 @@ void registerForkHandlers()
         // The preparing functions run from the last to the first.
         platform::aroundFork(holdRoad, releaseRoad, releaseRoadInChild);
         hooks::registerForkHandlers();
-        platform::aroundFork(holdCreation, releaseCreation, releaseCreation);
         return true;
     }();
     static_cast<void>(registered);
@@ -415,21 +445,21 @@ void watchApplicationEnd()
         return true;
     }();
     static_cast<void>(startWatched);
-    // Anew each time: an application that has ended took the registration with it.
-    qRemovePostRoutine(applicationEnds);
-    qAddPostRoutine(applicationEnds);
+    if (!s_endIsWatched.exchange(true))
+        qAddPostRoutine(applicationEnds);
 }
 
 Ending::Ending()
 {
+    if (queueExists())
+        readOutputSettings();
     const Locked table(TableState::lock());
-    {
-        const Locked guard(road().creation);
-        s_endings.fetch_add(1);
-    }
+    s_endings.fetch_add(1);
+    m_isGuiThread = isGuiThread();
     m_queue = detachQueue();
     deliverLastLines();
     afterlines::setLoopThread(nullptr);
+    hooks::removeLibraryHooks();
 }
 
 Ending::~Ending()
@@ -439,14 +469,23 @@ Ending::~Ending()
 
 void Ending::deleteQueue()
 {
+    if (m_queue)
+        ShownDialog::endAll(); // hooks may wait for them
     hooks::endThreads();
     if (m_queue == nullptr)
         return;
-    if (m_queue->thread() == QThread::currentThread() && !eventLoopRunning())
-        delete m_queue;
-    else
-        retire(m_queue);
+    if (m_isGuiThread && !eventLoopRunning()) {
+        if (takeRetired(m_queue))
+            delete m_queue;
+    } else {
+        deleteLater(m_queue);
+    }
     m_queue = nullptr;
+}
+
+void queueGone(DebugServerQueue *queue)
+{
+    takeRetired(queue);
 }
 
 } // namespace Zorvan::guibridge

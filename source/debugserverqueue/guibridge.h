@@ -23,7 +23,7 @@ namespace guibridge {
 /// Whether a Qt application object exists and is neither starting up nor closing down. Asked anew each time:
 /// an application may end and another one start.
 [[nodiscard]] bool qtApplicationRuns();
-/// Whether that application can show windows.
+/// Whether the application that the queue was made for can show windows.
 [[nodiscard]] bool canShowWindows();
 
 /// Makes the queue if a Qt application runs. True if there is a queue to take lines.
@@ -51,8 +51,9 @@ void forgetWaitingLines();
 /// Delivers the lines that wait, as one batch. Any thread: in this version the standard output takes it.
 /// \a batch lends its memory; see PendingLines::take().
 void deliverLines(std::string &batch);
-/// Has batches dropped that only a window would take.
-void dropWindowOutput(bool dropped);
+/// Asks the host, once per process, whether batches are dropped that only a window would take. Before the
+/// first batch is delivered, with no lock held: the host may do anything, even end the library.
+void readOutputSettings();
 /// Drops the lines that wait and clears the window's text.
 void clear();
 
@@ -116,7 +117,11 @@ public:
 
 private:
     DebugServerQueue *m_queue = nullptr;
+    bool m_isGuiThread = false;
 };
+
+/// For the queue's destructor.
+void queueGone(DebugServerQueue *queue);
 
 /// @}
 

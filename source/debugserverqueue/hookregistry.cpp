@@ -47,14 +47,6 @@ void HookRegistry::install(const std::string &key, const HookHandler &handler, b
         handlers.push_back(handler);
 }
 
-void HookRegistry::installInFront(const std::string &key, const HookHandler &handler, bool direct)
-{
-    const platform::Locked guard(m_lock);
-    HookHandlers &handlers = keyFor(key, direct).handlers;
-    if (!has(handlers, handler.called))
-        handlers.insert(handlers.begin(), handler);
-}
-
 void HookRegistry::installAdapter(const std::string &key, std::shared_ptr<HookObject> adapter,
                                   const AdapterFilter &isSame)
 {
@@ -146,7 +138,10 @@ void HookRegistry::dropThread(const QThread *thread)
 void HookRegistry::threadEnds(const QThread *thread)
 {
     const platform::Locked guard(m_lock);
-    findThread(thread)->hasEnded = true;
+    const auto found = findThread(thread);
+    if (found == m_threads.end())
+        return; // the handler has forked, and this is the child
+    found->hasEnded = true;
     m_threadEnded.wakeAll();
 }
 
@@ -191,9 +186,11 @@ void HookRegistry::waitForThreads(std::chrono::milliseconds limit)
     while (anyRunsBut(caller)) {
         const auto rest = ceil<milliseconds>(end - steady_clock::now());
         if (rest <= milliseconds::zero())
-            return;
+            break;
         m_threadEnded.waitFor(m_lock, rest);
     }
+    for (Thread &each : m_threads)
+        each.isGivenUp = true;
 }
 
 void HookRegistry::releaseInChild()
@@ -206,7 +203,7 @@ void HookRegistry::releaseInChild()
 bool HookRegistry::anyRunsBut(const QThread *thread) const
 {
     return std::any_of(m_threads.begin(), m_threads.end(), [thread](const Thread &each) {
-        return !each.hasEnded && each.thread.get() != thread;
+        return !each.hasEnded && !each.isGivenUp && each.thread.get() != thread;
     });
 }
 

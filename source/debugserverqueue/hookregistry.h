@@ -55,8 +55,6 @@ public:
     };
 
     void install(const std::string &key, const HookHandler &handler, bool direct);
-    /// The same, but the handler is called before all others of the key.
-    void installInFront(const std::string &key, const HookHandler &handler, bool direct);
     /// Installs an adapter unless the key has one that \a isSame says is as good and whose target is alive.
     void installAdapter(const std::string &key, std::shared_ptr<HookObject> adapter,
                         const AdapterFilter &isSame);
@@ -84,7 +82,7 @@ public:
     /// Takes a thread out if it has ended; null if it has not, or if another one has taken it.
     [[nodiscard]] std::shared_ptr<QThread> takeEndedThread(const QThread *thread);
     [[nodiscard]] Threads takeEndedThreads();
-    /// Waits until all threads but the calling one have ended.
+    /// Waits until all threads but the calling one have ended, and gives up those that have not by then.
     void waitForThreads(std::chrono::milliseconds limit);
     /// @}
 
@@ -100,6 +98,7 @@ private:
     {
         std::shared_ptr<QThread> thread;
         bool hasEnded = false;
+        bool isGivenUp = false; ///< an end has waited for it in vain; no other one does
     };
     using Keys = std::map<std::string, Key, std::less<>>;
     using Predicate = std::function<bool(const HookHandler &handler)>;

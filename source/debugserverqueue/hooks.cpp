@@ -45,6 +45,19 @@ constexpr LibraryHook libraryHooks[] = {
     {"DebugServer_testAssert", false},
 };
 
+/// Never destroyed: a hook thread may come to it late.
+class LibraryHandler final : public IHookInterface
+{
+public:
+    void hookActivated(char *key, char *parameters) override { runBuiltinHook(key, parameters); }
+};
+
+IHookInterface *libraryHandler()
+{
+    static auto *const handler = new LibraryHandler;
+    return handler;
+}
+
 bool isNotificationKey(const std::string &key)
 {
     return std::any_of(notificationKeys.begin(), notificationKeys.end(),
@@ -90,17 +103,15 @@ void releaseRegistryInChild() ZORVAN_NO_THREAD_SAFETY_ANALYSIS
 
 namespace hooks {
 
-void installLibraryHooks(IHookInterface *queue)
+void installLibraryHooks()
 {
-    // In front: a handler of the host may outlast the queue, whose turn must have come by then.
     for (const LibraryHook &hook : libraryHooks)
-        hookRegistry().installInFront(hook.key, HookHandler(queue), hook.direct);
+        hookRegistry().install(hook.key, HookHandler(libraryHandler()), hook.direct);
 }
 
-void removeLibraryHooks(IHookInterface *queue)
+void removeLibraryHooks()
 {
-    hookRegistry().removeFromAllKeys(queue);
-    closeTestEditor();
+    hookRegistry().removeFromAllKeys(libraryHandler());
 }
 
 void reap(QThread *thread)

@@ -8,12 +8,11 @@ class QThread;
 
 namespace Zorvan::hooks {
 
-/// Installs the queue as handler of the library's own keys, without telling the window. Takes only the lock
-/// of the registry.
-void installLibraryHooks(IHookInterface *queue);
-/// Takes the queue out of the registry again, and deletes the window of its hooks; harmless if it is not in
-/// the registry. In the thread of the queue.
-void removeLibraryHooks(IHookInterface *queue);
+/// Installs the handler of the library's own keys, without telling the window. Takes only the lock of the
+/// registry. The keys belong to the queue, which is made and ended with them; their handler lives for ever,
+/// since hooks may run beside the queue's end.
+void installLibraryHooks();
+void removeLibraryHooks();
 
 /// Joins and deletes a thread that has announced its end; nothing if that has happened already. GUI thread.
 void reap(QThread *thread);

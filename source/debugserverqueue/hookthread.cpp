@@ -37,7 +37,7 @@ void hookThread::work()
 
 void startHookWorker(const std::shared_ptr<HookWorker> &worker)
 {
-    if (!guibridge::queueExists()) {
+    if (!guibridge::queueExists() || !guibridge::eventLoopRunning()) {
         for (const std::shared_ptr<QThread> &ended : hookRegistry().takeEndedThreads())
             joinHookWorker(*ended);
     }

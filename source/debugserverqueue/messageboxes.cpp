@@ -99,7 +99,8 @@ int doMessageBox(std::unique_ptr<BoxMsg> request)
     if (DebugServerQueue *const queue = guibridge::queueHere())
         return queue->boxes().show(request->content);
     if (holdsModuleTable()) {
-        guibridge::post(std::move(request)); // shown later, to whom it may concern
+        if (request->content.modal)
+            guibridge::post(std::move(request)); // shown later; its user closes it
         return boxcodes::noAnswer;
     }
     const std::optional<int> answer = askGuiThread(std::move(request), boxcodes::noAnswer);

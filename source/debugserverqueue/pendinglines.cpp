@@ -13,13 +13,6 @@ constexpr std::size_t largestSpareText = 4 * blockBytes;
 constexpr std::int64_t mostLines = 1000000;
 constexpr std::size_t mostBytes = std::size_t(256) << 20;
 
-void appendBlock(std::string &batch, const std::string &text, bool isFirst)
-{
-    if (!isFirst)
-        batch += '\n';
-    batch += text;
-}
-
 } // namespace
 
 bool PendingLines::append(std::string_view line)
@@ -35,6 +28,18 @@ bool PendingLines::append(std::string_view line)
     if (dropped)
         reportDropped();
     return isFirst;
+}
+
+std::string PendingLines::joined(const std::vector<Block> &blocks, const std::string &last)
+{
+    std::size_t size = last.size();
+    for (const Block &block : blocks)
+        size += block.text.size() + 1;
+    std::string text;
+    text.reserve(size + 1); // for the line feed that the receiver of a batch adds
+    for (const Block &block : blocks)
+        (text += block.text) += '\n';
+    return text += last;
 }
 
 /// True if lines were dropped for the first time since the last batch.
@@ -69,6 +74,7 @@ bool PendingLines::dropOldest()
 {
     auto firstKept = m_full.begin();
     while (firstKept != m_full.end() && isTooMuch()) {
+        m_count.fetch_sub(static_cast<std::int32_t>(firstKept->lines), std::memory_order_relaxed);
         m_fullLines -= firstKept->lines;
         m_fullBytes -= firstKept->text.size();
         ++firstKept;
@@ -82,19 +88,18 @@ bool PendingLines::dropOldest()
 bool PendingLines::take(std::string &batch)
 {
     batch.clear();
-    const platform::Locked guard(m_lock);
-    forgetCount();
-    if (isEmpty())
-        return false;
-    if (m_full.empty()) {
+    std::vector<Block> full; // joined without the lock: printing threads wait for it
+    {
+        const platform::Locked guard(m_lock);
+        forgetCount();
+        if (isEmpty())
+            return false;
+        full.swap(m_full);
         batch.swap(m_open.text);
-    } else {
-        batch.reserve(m_fullBytes + m_full.size() + m_open.text.size());
-        for (const Block &block : m_full)
-            appendBlock(batch, block.text, &block == &m_full.front());
-        appendBlock(batch, m_open.text, false);
+        clearLocked();
     }
-    clearLocked();
+    if (!full.empty())
+        batch = joined(full, batch);
     return true;
 }
 

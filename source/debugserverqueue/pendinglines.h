@@ -14,7 +14,7 @@ namespace Zorvan {
 /// without being built from its lines.
 ///
 /// Any thread may call everything. Lines that nobody takes do not fill the memory: beyond 1,000,000 lines or
-/// 256 MiB the oldest are dropped, some hundred at a time, and the system log says so.
+/// 256 MiB the oldest are dropped, a block of 64 KiB at a time, and the system log says so.
 class PendingLines
 {
 public:
@@ -49,6 +49,7 @@ private:
     };
 
     [[nodiscard]] bool isEmpty() const ZORVAN_REQUIRES(m_lock) { return m_open.lines == 0 && m_full.empty(); }
+    static std::string joined(const std::vector<Block> &blocks, const std::string &last);
     bool appendLocked(std::string_view line) ZORVAN_REQUIRES(m_lock);
     void closeBlock() ZORVAN_REQUIRES(m_lock);
     [[nodiscard]] bool isTooMuch() const ZORVAN_REQUIRES(m_lock);

@@ -9,8 +9,8 @@
 /// Order in which locks may be taken; whoever holds one takes only locks further down:
 ///   1. module table (recursive; also held while host callbacks run, see docs/embedding.md)
 ///   2. output file; texts of classes and levels (both only with the module table held: see fork() there)
-///   3. making the queue in the GUI thread (no host code under it)
-///   4. hook registry (no handler is called under it)
+///   3. hook registry (no handler is called under it)
+///   4. delivery of a batch of lines (no host code under it)
 ///   5. lines that wait for the GUI thread
 ///   6. posting to the queue (then only Qt's own locks); the answer to a request (leaf)
 ///   7. debug daemon link (until its answer has come; no host code, no Qt call under it)

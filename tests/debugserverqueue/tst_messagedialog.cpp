@@ -169,9 +169,13 @@ TEST_F(MessageDialog, StaysWithoutButtonsUntilItIsTakenAway)
     debugMessageDialog &dialog = show(open({0, 0, 0}));
     QTest::keyClick(&dialog, Qt::Key_Escape);
     QTest::keyClick(&dialog, Qt::Key_Enter);
-    dialog.close();
+    QCloseEvent byUser;
+    QSpontaneKeyEvent::setSpontaneous(&byUser);
+    QCoreApplication::sendEvent(&dialog, &byUser);
     dialog.accept();
     EXPECT_TRUE(dialog.isVisible());
+    dialog.close(); // as an application does that ends
+    EXPECT_FALSE(dialog.isVisible());
 }
 
 /// Swallows the keys that the box wants to be swallowed.

@@ -253,10 +253,11 @@ TEST_F(Hooks, TheEndAsksHandlersToHurryAndWaitsTwoSeconds)
     restart();
     EXPECT_GE(Clock::now() - begin, 2s);
     EXPECT_FALSE(done);
+    const auto again = Clock::now();
+    restart();
+    EXPECT_LT(Clock::now() - again, 2s) << "once is enough";
     released = true;
-    Debug::exitDebug();
-    EXPECT_TRUE(done) << "the next end waits again";
-    Debug::initDebug();
+    waitFor([&] { return done.load(); });
     done = false;
     Debug::installHook("key", &recorder, false);
     Debug::activateHooks("key", "");
