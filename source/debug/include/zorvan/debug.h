@@ -53,6 +53,8 @@ class ZORVAN_EXPORT IInformationManager
 {
 public:
     virtual ~IInformationManager();
+    /// Gets the text of each message box before it is shown, in the thread that asks, also while boxes are
+    /// switched off.
     virtual void showInformation(const QString &caption, const QString &text);
 };
 
@@ -108,6 +110,7 @@ class ZORVAN_EXPORT IMessageBoxInterface
 {
 public:
     virtual ~IMessageBoxInterface();
+    /// Gets the message, without caption and heading, in the GUI thread. The box then answers 1.
     virtual void showMessage(const QString &text);
 };
 
@@ -118,7 +121,9 @@ public:
     virtual ~IKeyInterface();
     /// True if the key is used up.
     virtual bool keyEvent(int key, int modifiers);
+    /// The debug window was shown or hidden.
     virtual void visibilityChanged(QWidget *window, bool visible);
+    /// It became, or is no longer, the active window.
     virtual void activationChanged(QWidget *window, bool active);
 };
 
@@ -129,7 +134,8 @@ public:
     virtual ~IHookInterface();
     /// Called once for each activation of a key that the handler is installed under. Both texts are Latin-1
     /// copies of its own, which it may change; they end with the call. It may install, remove and activate
-    /// hooks.
+    /// hooks. One that runs long in a thread of its own looks at QThread::isInterruptionRequested(): the
+    /// library wants to end, and waits for two seconds.
     virtual void hookActivated(char *key, char *parameters);
 };
 
@@ -237,16 +243,16 @@ public:
     /// none.
     ///
     /// The lines of one message stay together. \a file and \a line name the caller's source position; \a
-    /// reserved is not interpreted. The call returns when file, receiver, line tap and standard output have
-    /// the line. Without a table the text goes to the system log, where '%' starts a conversion: write "%%"
-    /// for a literal one.
+    /// reserved is not interpreted. The call returns when file, receiver and line tap have the line, and the
+    /// standard output has it or, with a Qt application, the queue of the GUI thread. Without a table the
+    /// text goes to the system log, where '%' starts a conversion: write "%%" for a literal one.
     static void println(moduleId module, int cls, const QString &text, int level, int reserved = 0,
                         const char *file = nullptr, int line = -1);
     /// Sends a finished line through the filters to the sinks, without asking isActive(). Works without a
     /// table, too.
     static void printFormattedString(moduleId module, int cls, int level, const QString &line);
-    /// Asks the debug window to clear its text, if the flag allowProgrammaticClear is set and a window can
-    /// exist.
+    /// If the flag allowProgrammaticClear is set and there is a queue in the GUI thread: drops the lines that
+    /// wait in it, at once, and asks the debug window to clear its text.
     static void clear();
 
     /// Gives the lines of one module, or of all present modules with -1, to \a receiver; null takes it away
@@ -303,12 +309,13 @@ public:
 
     /// \name What the host hands in
     /// The pointers are only stored: the host keeps the objects alive until it has replaced them or the last
-    /// exitDebug() is done. Null takes a handler away.
+    /// exitDebug() is done, and calls in progress have returned. Null takes a handler away.
     /// @{
     static void setUtilityCallbackHandler(IUtilityInterface *handler);
     static void setThreadCallbackHandler(IThraedInterface *handler);
     static void installKeyHandler(IKeyInterface *handler);
     static IKeyInterface *getKeyboardHandler();
+    /// Takes the place of the library's message boxes; null: the boxes are back.
     static void installMessageBoxHandler(IMessageBoxInterface *handler);
     /// A debug window made by the host, used by the next queue that is made; never deleted.
     static void setExtWindow(DebugWindow *window);
@@ -324,8 +331,9 @@ public:
     /// every line costs its thread 10 ms, paid after the message when no lock is held.
     /// @{
 
-    /// Tells the library that the event loop runs, or has ended. It notices both by itself when the host uses
-    /// QCoreApplication::exec(). Without a running loop message boxes and file selections are refused.
+    /// Tells the library that the event loop runs, or has ended. It notices by itself the first event that
+    /// the loop handles, and QCoreApplication::aboutToQuit(); a host that runs its loop once more says so.
+    /// Without a running loop message boxes and file selections are refused.
     static void eventLoopStarted();
     static void eventLoopFinished();
     /// The native id of the thread with the event loop, see QThread::currentThreadId(). Set by the library
@@ -333,6 +341,7 @@ public:
     static void setGuiThreadId(void *id);
     /// Title of the debug window; kept for a window that is made later, dropped without a queue.
     static void setWindowTitle(const QString &title);
+    /// Shows the debug window and brings it to the front.
     static void showDebugWindow();
     /// Ask the debug window to show the present hooks and levels, or the present names and prefixes.
     static void queueRedraw();
@@ -348,7 +357,8 @@ public:
     static void setServerMode(bool on);
     static bool isServer();
     /// Client mode: this process shows the lines of another one. It is never left. A GUI thread that prints
-    /// too fast then handles events in between, other than those of sockets.
+    /// too fast then handles events in between, where the event loop can tell them apart without those of
+    /// sockets.
     static void setClientMode();
     static bool isClient();
     /// @}
@@ -356,9 +366,12 @@ public:
     /// \name Message boxes and file selection
     ///
     /// Any thread may ask; the GUI thread shows. Another thread waits for the answer without a time limit, so
-    /// it must not hold anything that the GUI thread needs. A thread that asks from inside a callback of the
-    /// library, with the module table locked, is refused. While a receiver for all modules is installed
-    /// nothing is shown.
+    /// it must not hold anything that the GUI thread needs. From inside a callback of the library, with the
+    /// module table locked, other threads get no answer: a modal box is shown, but not waited for, anything
+    /// else is refused, and the system log says so. Do not ask from a callback in the GUI thread: nobody can
+    /// print until the user has answered. While a receiver for all modules is installed nothing is shown.
+    ///
+    /// The end of the library closes what is shown and answers -1.
     ///
     /// Buttons: 1 OK, 2 Cancel, 3 Yes, 4 No, 5 Abort, 6 Retry, 7 Ignore, 0 none; plus 16 for the default
     /// button. Icons: 0 none, 1 information, 2 warning, 3 critical, 4 question.
@@ -368,11 +381,12 @@ public:
     ///
     /// \return Modal: the button that was pressed (1 to 7), -1 if the box was closed otherwise. Non-modal:
     /// the id of the box, as soon as it is shown. 0 if boxes are switched off (setting
-    /// "enableMessageBoxes"), 1 if a handler took the text, -1 if no box can be shown; a line of output then
-    /// says why.
+    /// "enableMessageBoxes"), 1 if a handler took the text, -1 if no box can be shown; a line of output or of
+    /// the system log then says why.
     static int debugMessageBox(const QString &caption, const QString &heading, const QString &message,
                                bool modal, int icon, int button0, int button1, int button2);
-    /// The same without a heading: it is taken from the beginning of the message if that has one.
+    /// The same without a heading: a message that is rich text and begins with one gives it away; any other
+    /// message stands in the place of the heading.
     static int debugMessageBox(const QString &caption, const QString &message, bool modal, int icon,
                                int button0, int button1, int button2);
     /// Takes a non-modal box away. An id that is not, or no longer, shown does no harm.
@@ -380,7 +394,7 @@ public:
     /// Asks for an existing file, starting in \a directory; \a filter as in QFileDialog.
     ///
     /// \return The chosen path, empty if the user cancelled, the previous answer if nothing could be asked.
-    /// It lives until the calling thread asks again.
+    /// It lives until the calling thread asks again or ends.
     static const QString &debugFileSelect(const QString &caption, const QString &directory,
                                           const QString &filter);
     /// @}
@@ -402,8 +416,9 @@ public:
     static void installCHookHandler(const char *key, void (*function)(char *, char *));
     /// Removes a function; null: all functions of the key.
     static void removeCHookHandler(const char *key, void (*function)(char *, char *));
-    /// Adds a member function of an object, never direct; it is not called any more once the object is
-    /// destroyed. Prints a warning: prefer installHook().
+    /// Adds a member function of an object, never direct: it runs in a thread of its own. It is not called
+    /// any more once the object is destroyed; destroying it in the middle of a call is the host's to avoid.
+    /// Prints a warning: prefer installHook().
     static void installCppHookHandler(const char *key, QObject *object,
                                       void (QObject::*method)(char *, char *));
     /// Removes a member function; null: any object, or any member function.
@@ -412,9 +427,9 @@ public:
     /// Runs the handlers of a key; an unknown key does nothing. A key that is not direct: the call does not
     /// wait for them. Nothing happens while a receiver for all modules is installed.
     static void activateHooks(const char *key, const char *parameters);
-    /// The installed keys in alphabetical order, but for the six that announce changes of the configuration;
-    /// null and 0 without a table. The array belongs to the library and lives until the calling thread asks
-    /// again.
+    /// The installed keys in the order of their bytes, but for the six that announce changes of the
+    /// configuration; null and 0 without a table. The array belongs to the library and lives until the
+    /// calling thread asks again or ends.
     static QString *getHooks(int &count);
     /// @}
 };
