@@ -119,7 +119,7 @@ void Debug::enableClasses(moduleId module, const QString &names)
 QString Debug::getEnabledMessageClasses(moduleId id)
 {
     const TableLock guard;
-    if (!moduleTable().exists())
+    if (!ModuleTable::exists())
         return QString();
     const Module *const module = moduleTable().find(id);
     if (module == nullptr)
@@ -190,7 +190,7 @@ void Debug::setClippingLevel(moduleId id, int level)
 int Debug::getClippingLevel(moduleId id)
 {
     const TableLock guard;
-    if (!moduleTable().exists())
+    if (!ModuleTable::exists())
         return 0;
     const Module *const module = moduleTable().find(id);
     return module ? module->clippingLevel : -1;

@@ -95,7 +95,7 @@ QString Debug::getModuleName(moduleId id)
 const char **Debug::getModuleNames(int *count, int **ids)
 {
     const TableLock guard;
-    if (!moduleTable().exists()) {
+    if (!ModuleTable::exists()) {
         if (count)
             *count = 0;
         if (ids)

@@ -106,7 +106,7 @@ Found askedAbout(moduleId id)
     const TableLock guard;
     const Module *const module = moduleTable().find(id);
     if (module == nullptr)
-        return moduleTable().exists() ? Found::NoModule : Found::NoTable;
+        return ModuleTable::exists() ? Found::NoModule : Found::NoTable;
     if (module->inUse || id >= moduleTable().count()) // an id not handed out yet is left for a later module
         return Found::Module;
     moduleTable().takeIntoUse(id);
@@ -120,7 +120,7 @@ bool passes(moduleId id, int level, int cls)
     const TableLock guard;
     const Module *const module = moduleTable().find(id);
     if (module == nullptr)
-        return !moduleTable().exists();
+        return !ModuleTable::exists();
     return level <= module->clippingLevel && (level == 0 || module->isClassEnabled(cls));
 }
 
@@ -142,7 +142,7 @@ void setupOutputEnabled(bool enable)
     const TableLock guard;
     s_gate.enabled.store(enable, std::memory_order_relaxed);
     // Found out first and stored once: other threads ask meanwhile.
-    const bool active = enable && (!moduleTable().exists() || anyModuleActive());
+    const bool active = enable && (!ModuleTable::exists() || anyModuleActive());
     changeGate(Gate::anyActive, active);
     if (active)
         guibridge::requestRebuild();

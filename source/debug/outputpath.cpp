@@ -182,7 +182,7 @@ std::optional<QStringView> printMessage(moduleId module, int cls, QStringView te
 {
     const platform::ErrorNumberKept kept;
     const TableLock guard; // the lines of a message stay together
-    while (moduleTable().exists()) {
+    while (ModuleTable::exists()) {
         const qsizetype end = text.indexOf(u'\n');
         if (end < 0) {
             printOneLine(module, cls, text, level);
@@ -201,7 +201,7 @@ std::optional<QStringView> printMessage(moduleId module, int cls, QStringView te
 [[gnu::noinline]] void printUnlessRefused(moduleId module, int cls, const QString &text, int level,
                                           int /*reserved*/, const char *file, int line)
 {
-    if (!moduleTable().exists()) {
+    if (!ModuleTable::exists()) {
         logText(text, file, line);
         return;
     }

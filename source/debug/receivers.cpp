@@ -11,7 +11,7 @@ constexpr moduleId allModules = -1;
 void Debug::setOutputReceiver(moduleId id, OutputReceiver receiver)
 {
     const TableLock guard;
-    if (!moduleTable().exists())
+    if (!ModuleTable::exists())
         return; // a flag without a table would keep exitDebug() from ever working
     if (id != allModules) {
         if (Module *const module = moduleTable().find(id))

@@ -45,7 +45,7 @@ bool filterKey(QObject *watched, const QKeyEvent &event)
     }
     const auto *const widget = qobject_cast<QWidget *>(watched);
     const auto *const box = widget ? qobject_cast<debugMessageDialog *>(widget->window()) : nullptr;
-    return box && box->confinesFocus(event, watched);
+    return box != nullptr && box->confinesFocus(event, watched);
 }
 
 /// Tells the debug daemon, for as long as it exists, that a box waits for its user.

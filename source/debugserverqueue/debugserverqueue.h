@@ -35,18 +35,17 @@ public:
     [[nodiscard]] static bool useDaemon();
     static void readUseDaemon();
 
-public Q_SLOTS:
     /// A host may call it when its event loop is up; otherwise the queue finds out by its first event.
-    void guiRunning();
-    void eventloopStopped();
+    Q_SLOT static void guiRunning();
+    Q_SLOT static void eventloopStopped();
     /// Delivers the lines that wait, as one batch.
-    void timeout();
+    Q_SLOT void timeout();
 
 private:
     void handle(QEvent *event);
     void start();
     void armTimer();
-    void openOrCloseServer(bool allowed);
+    static void openOrCloseServer(bool allowed);
 
     bool m_isStarted = false;
     std::unique_ptr<QTimer> m_flushTimer;

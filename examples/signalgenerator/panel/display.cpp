@@ -87,7 +87,8 @@ Display::Display(QWidget *parent)
     own.setColor(QPalette::WindowText, digits);
     setPalette(own);
     setAutoFillBackground(true);
-    setFrameStyle(QFrame::Panel | QFrame::Sunken);
+    setFrameShape(QFrame::Panel);
+    setFrameShadow(QFrame::Sunken);
 
     auto *const layout = new QVBoxLayout(this);
     layout->setContentsMargins(18, 12, 18, 12);

@@ -68,7 +68,8 @@ QLabel *Panel::makeMessageLine()
 {
     auto *const line = new QLabel(this);
     line->setObjectName(QStringLiteral("message"));
-    line->setFrameStyle(QFrame::Panel | QFrame::Sunken);
+    line->setFrameShape(QFrame::Panel);
+    line->setFrameShadow(QFrame::Sunken);
     line->setMargin(4);
     line->setTextFormat(Qt::PlainText);
     line->setTextInteractionFlags(Qt::TextSelectableByMouse);
