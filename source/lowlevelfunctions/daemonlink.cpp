@@ -3,11 +3,13 @@
 #include "lowlevelfunctions/daemonlockfile.h"
 #include "lowlevelfunctions/systemlog.h"
 #include "platform/clock.h"
+#include "platform/files.h"
 #include "platform/process.h"
+#include "platform/standardoutput.h"
 
 #include <zorvan/debug.h>
 
-#include <cstdio>
+#include <algorithm>
 #include <cstring>
 
 namespace Zorvan {
@@ -15,11 +17,15 @@ namespace Zorvan {
 namespace {
 
 using std::chrono::milliseconds;
+using std::chrono::steady_clock;
 
 constexpr int searchPasses = 10;
 constexpr milliseconds searchPause(500);
 constexpr int connectAttempts = 10;
 constexpr milliseconds connectPause(200);
+constexpr milliseconds sendLimit(5000);
+constexpr milliseconds atOnce(0);
+constexpr milliseconds unlimited(-1);
 constexpr milliseconds farewellLimit(1000);
 constexpr milliseconds holderLimit(500);
 
@@ -59,20 +65,34 @@ DaemonLink::DaemonLink(std::string program)
 void DaemonLink::lock() ZORVAN_NO_THREAD_SAFETY_ANALYSIS
 {
     m_lock.lock();
-    m_phase = Phase::Busy;
 }
 
 void DaemonLink::unlock() ZORVAN_NO_THREAD_SAFETY_ANALYSIS
 {
-    m_phase = Phase::Free;
     m_lock.unlock();
+}
+
+bool DaemonLink::tryLock() ZORVAN_NO_THREAD_SAFETY_ANALYSIS
+{
+    return m_lock.tryLock();
+}
+
+bool DaemonLink::lockUnlessWaiting(bool &isMine) ZORVAN_NO_THREAD_SAFETY_ANALYSIS
+{
+    return holderComesTo([&] { return (isMine = tryLock()) || m_isWaiting; });
 }
 
 bool DaemonLink::setUp(int &daemonPort, int &secondPort, const char *instanceName)
 {
     const platform::Locked guard(*this);
+    return findAndConnect(daemonPort, secondPort, instanceName);
+}
+
+bool DaemonLink::findAndConnect(int &daemonPort, int &secondPort, const char *instanceName)
+{
     if (m_isInitialised)
         return m_isFound;
+    m_isFinished = false; // an end before the first request does not count
     m_instanceName = daemonInstanceName(instanceName == nullptr ? "assertion" : instanceName);
     daemonPort = -1;
     secondPort = -1;
@@ -89,11 +109,11 @@ bool DaemonLink::setUp(int &daemonPort, int &secondPort, const char *instanceNam
     return m_isFound;
 }
 
-void DaemonLink::setUp()
+void DaemonLink::ensureSetUp()
 {
     int daemonPort = -1;
     int secondPort = -1;
-    setUp(daemonPort, secondPort, nullptr);
+    findAndConnect(daemonPort, secondPort, nullptr);
 }
 
 /// Waits for a complete lock file of a living daemon. A daemon is started in the first pass only.
@@ -101,11 +121,14 @@ DaemonLockFile DaemonLink::search()
 {
     const std::string path = daemonLockFilePath(m_instanceName);
     for (int pass = 0; pass < searchPasses; ++pass) {
-        const DaemonLockFile file = readDaemonLockFile(path);
-        if (file.parts > 0 && platform::isProcessRunning(m_program.c_str())) {
+        // Read last: a daemon that has just come up may have replaced the file that another one left behind.
+        const bool isRunning =
+            platform::fileExists(path.c_str()) && platform::isProcessRunning(m_program.c_str());
+        const DaemonLockFile file = isRunning ? readDaemonLockFile(path) : DaemonLockFile();
+        if (file.parts > 0) {
             if (file.isComplete())
                 return file;
-            std::fprintf(stderr, "opened port count: %zu\n", file.parts);
+            platform::writeStandardError("opened port count: " + std::to_string(file.parts) + '\n');
         } else if (pass == 0 && !startDaemon()) {
             return {};
         }
@@ -131,72 +154,105 @@ void DaemonLink::connect()
         m_socket.connect("127.0.0.1", static_cast<std::uint16_t>(m_port));
         m_isUp = m_socket.state() == nativeTCPSocket::State::Connected;
     }
+    m_socket.setBlocking(false);
     m_isOpen = m_isUp;
+    if (m_isFinished && m_isOpen.exchange(false))
+        m_socket.close(); // finish() came too early to do it
     gyxLog(nullptr, 0, "++++ server running!\n");
 }
 
-bool DaemonLink::send(std::string_view request)
+/// False: the daemon did not take all of \a request in time. With a part of it the connection is of no more
+/// use: whatever followed would be taken for the rest.
+bool DaemonLink::send(std::string_view request, milliseconds limit)
 {
-    return m_socket.send(request) == static_cast<std::int64_t>(request.size());
+    const auto end = steady_clock::now() + limit;
+    std::string_view rest = request;
+    while (!m_isFinished) {
+        const std::int64_t sent = m_socket.send(rest);
+        rest.remove_prefix(static_cast<std::size_t>(std::max<std::int64_t>(sent, 0)));
+        if (rest.empty())
+            return true;
+        const milliseconds left = std::chrono::ceil<milliseconds>(end - steady_clock::now());
+        if (sent < 0 || left <= atOnce || !m_socket.waitWritable(left))
+            break;
+    }
+    if (rest.size() < request.size())
+        m_socket.shutDown();
+    return false;
+}
+
+void DaemonLink::dropPendingBytes()
+{
+    std::array<char, 256> bytes{};
+    std::int64_t received = 1;
+    for (std::size_t left = m_socket.pendingBytes(); left > 0 && received > 0;) {
+        received = m_socket.receive(bytes.data(), std::min(bytes.size(), left));
+        left -= static_cast<std::size_t>(std::max<std::int64_t>(received, 0));
+    }
 }
 
 int DaemonLink::ask(std::string_view request)
 {
-    if (!send(request))
+    dropPendingBytes();
+    if (!send(request, sendLimit))
         return sendingFailed;
-    m_phase = Phase::Waiting;
+    m_isWaiting = true;
     std::array<char, sizeof(std::int32_t)> bytes{};
     std::size_t length = 0;
     std::int64_t received = 1;
-    while (length < bytes.size() && received > 0) {
+    while (length < bytes.size() && received > 0 && m_socket.waitReadable(unlimited)) {
         received = m_socket.receive(bytes.data() + length, bytes.size() - length);
         length += received > 0 ? static_cast<std::size_t>(received) : 0;
     }
-    m_phase = Phase::Busy;
+    m_isWaiting = false;
     std::int32_t answer = noAnswer;
     if (length == bytes.size())
         std::memcpy(&answer, bytes.data(), bytes.size());
     return answer;
 }
 
-void DaemonLink::sendProgress(std::string_view word)
+void DaemonLink::sendProgress(std::string_view word) ZORVAN_NO_THREAD_SAFETY_ANALYSIS
 {
-    setUp();
-    const platform::Locked guard(*this);
+    bool isMine = false;
+    lockUnlessWaiting(isMine);
+    if (!isMine)
+        return;
+    ensureSetUp();
     if (m_isUp)
-        send("<progress>" + std::string(word) + "</progress>");
+        send("<progress>" + std::string(word) + "</progress>", atOnce);
+    unlock();
 }
 
 int DaemonLink::showBox(std::string_view title, std::string_view text, int type,
                         const std::array<std::uint32_t, 4> &buttons)
 {
-    setUp();
     const platform::Locked guard(*this);
+    ensureSetUp();
     return m_isUp ? ask(boxRequest(title, text, type, buttons)) : noAnswer;
 }
 
-void DaemonLink::finish()
+void DaemonLink::finish() ZORVAN_NO_THREAD_SAFETY_ANALYSIS
 {
+    m_isFinished = true;
     if (!m_isOpen.exchange(false))
         return;
-    // Between the pieces of another request the word would mean nothing, and a daemon that does not read
-    // would keep us here.
-    if (holderComesTo([this] { return m_phase != Phase::Busy; })) {
-        m_socket.send("<exit/>");
+    // Between the pieces of another request the word would mean nothing. Once nobody was seen to send, nobody
+    // will any more.
+    const std::string_view farewell = "<exit/>";
+    bool isMine = false;
+    if (lockUnlessWaiting(isMine) && m_socket.send(farewell) == static_cast<std::int64_t>(farewell.size()))
         m_socket.waitReadable(farewellLimit);
-    }
     m_socket.shutDown(); // whoever waits for an answer leaves at once
-    if (!holderComesTo([this] { return m_phase == Phase::Free; }))
+    if (!isMine && !holderComesTo([&] { return tryLock(); }))
         return; // only the descriptor stays open
-    const platform::Locked guard(*this);
     m_socket.close();
+    unlock();
 }
 
 // Closing the copy leaves the parent's connection alone, which shutting it down would not.
 DaemonLink *DaemonLink::inChild()
 {
-    if (m_isOpen)
-        m_socket.close();
+    m_socket.close();
     auto *const link = new DaemonLink(m_program);
     link->m_parents = this;
     return link;

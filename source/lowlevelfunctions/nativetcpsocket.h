@@ -30,6 +30,9 @@ public:
     std::int64_t send(std::string_view bytes) { return m_socket.send(bytes); }
     std::int64_t receive(char *buffer, std::size_t capacity) { return m_socket.receive(buffer, capacity); }
     bool waitReadable(std::chrono::milliseconds limit) { return m_socket.waitReadable(limit); }
+    bool waitWritable(std::chrono::milliseconds limit) { return m_socket.waitWritable(limit); }
+    [[nodiscard]] std::size_t pendingBytes() const { return m_socket.pendingBytes(); }
+    void setBlocking(bool blocking) { m_socket.setBlocking(blocking); }
     void shutDown() { m_socket.shutDown(); }
     void close();
     /// @}

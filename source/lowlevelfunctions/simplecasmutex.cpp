@@ -27,12 +27,17 @@ bool simpleCASMutex::exchange(std::uint32_t from, std::uint32_t to, std::memory_
 
 void simpleCASMutex::lock()
 {
-    for (int attempt = 0; !exchange(0, 1, std::memory_order_acquire); ++attempt) {
+    for (int attempt = 0; !tryLock(); ++attempt) {
         if (attempt < triesBeforeSleep)
             platform::spinPause();
         else
             platform::sleepFor(std::chrono::milliseconds(1));
     }
+}
+
+bool simpleCASMutex::tryLock() ZORVAN_NO_THREAD_SAFETY_ANALYSIS
+{
+    return exchange(0, 1, std::memory_order_acquire);
 }
 
 void simpleCASMutex::unlock()

@@ -23,6 +23,8 @@ public:
     simpleCASMutex &operator=(const simpleCASMutex &) = delete;
 
     void lock() ZORVAN_ACQUIRE();
+    /// One attempt. False: somebody holds the lock.
+    bool tryLock() ZORVAN_TRY_ACQUIRE(true);
     /// Only for the holder: releasing a free lock waits until somebody takes it.
     void unlock() ZORVAN_RELEASE();
 

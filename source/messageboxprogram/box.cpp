@@ -116,5 +116,5 @@ std::unique_ptr<QDialog> makeBox(const QString &title, const QString &text)
 const char *answerWord(int result)
 {
     const int index = result - 1;
-    return index >= 0 && index < static_cast<int>(std::size(buttons)) ? buttons[index].word : "";
+    return index >= 0 && index < static_cast<int>(std::size(buttons)) ? buttons[index].word : "closed";
 }

@@ -1,6 +1,6 @@
 /// Shows a box with the title and the text of its two arguments (Latin-1) until somebody answers, and prints
-/// the answer: "abort", "retry" or "ignore"; nothing if the box was closed. The exit code is 0 if it was
-/// shown.
+/// the answer: "abort", "retry", "ignore", or "closed" if the box was closed without one; nothing if it was
+/// not shown. The exit code is 0 if it was.
 
 #include "box.h"
 

@@ -60,8 +60,8 @@ void discardFile(const char *path);
 bool readFileStart(const char *path, std::size_t limitBytes, std::string &content);
 
 /// The whole of a file that other users could have planted. False, and \a content is empty: it cannot be
-/// read, is a link or no regular file, belongs neither to this process's user nor to the administrator, or
-/// has more than \a limitBytes bytes.
+/// read, is a link or no regular file, has a second name, belongs neither to this process's user nor to the
+/// administrator, has more than \a limitBytes bytes, or (POSIX) everybody may write to it.
 bool readTrustedFile(const char *path, std::size_t limitBytes, std::string &content);
 
 /// Replaces the content of the file by \a content with one write, creating the file if it is missing.

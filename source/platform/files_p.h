@@ -12,7 +12,7 @@ class RegularFile
 public:
     enum class Accept {
         Any,
-        Trusted, ///< not through a link, and owned by this process's user or the administrator
+        Trusted, ///< as readTrustedFile() says
     };
 
     explicit RegularFile(const char *path, Accept accept = Accept::Any);

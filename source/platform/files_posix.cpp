@@ -40,7 +40,11 @@ bool isAcceptable(int file, RegularFile::Accept accept)
     struct stat status;
     if (fstat(file, &status) != 0 || !S_ISREG(status.st_mode))
         return false;
-    return accept == RegularFile::Accept::Any || status.st_uid == 0 || status.st_uid == geteuid();
+    if (accept == RegularFile::Accept::Any)
+        return true;
+    // Other users can give a file of ours a second name, in a folder that all may write to.
+    return (status.st_uid == 0 || status.st_uid == geteuid()) && (status.st_mode & S_IWOTH) == 0
+        && status.st_nlink <= 1;
 }
 
 } // namespace

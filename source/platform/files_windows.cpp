@@ -40,11 +40,12 @@ bool isDiskFile(std::intptr_t handle)
     return GetFileType(fileHandle(handle)) == FILE_TYPE_DISK;
 }
 
-bool isLink(HANDLE file)
+/// Not a link, and no second name of a file that stands elsewhere.
+bool isOneFile(HANDLE file)
 {
     BY_HANDLE_FILE_INFORMATION status{};
-    return GetFileInformationByHandle(file, &status) == 0
-        || (status.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
+    return GetFileInformationByHandle(file, &status) != 0
+        && (status.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0 && status.nNumberOfLinks <= 1;
 }
 
 bool isThisUser(PSID user)
@@ -80,7 +81,7 @@ bool isAcceptable(std::intptr_t handle, RegularFile::Accept accept)
     if (!isDiskFile(handle))
         return false;
     return accept == RegularFile::Accept::Any
-        || (!isLink(fileHandle(handle)) && hasTrustedOwner(fileHandle(handle)));
+        || (isOneFile(fileHandle(handle)) && hasTrustedOwner(fileHandle(handle)));
 }
 
 DWORD attributes(const char *path)

@@ -17,8 +17,9 @@ enum class BoxAnswer {
 /// without a time limit. Any thread; several boxes may be open at once.
 ///
 /// POSIX: a helper program shows it (see boxHelperName); it gets title and text as two Latin-1 arguments and
-/// answers on its standard output with one word, "abort", "retry" or "ignore". Without a display or a helper
-/// the text goes to standard error and the answer is None.
+/// answers on its standard output with one word, "abort", "retry", "ignore" or "closed"; of a text longer
+/// than 100 KiB only the beginning is shown. Without a display or a helper the text goes to standard error,
+/// whole, and the answer is None.
 [[nodiscard]] BoxAnswer nativeMessageBox(const std::string &title, const std::string &text);
 
 /// File name of the helper program: looked for in the folder of the environment's ZORVAN_HELPERS, then beside

@@ -2,16 +2,20 @@
 #include "platform/messagebox.h"
 #include "platform/process.h"
 #include "platform/programs_posix_p.h"
+#include "platform/standardoutput.h"
 
 #include <array>
-#include <cerrno>
-#include <dlfcn.h>
-#include <string_view>
+#include <cinttypes>
+#include <cstdio>
+#include <fstream>
 #include <sys/mman.h>
 #include <unistd.h>
 
 namespace Zorvan::platform {
 namespace {
+
+// The system takes no argument of 128 KiB or more.
+constexpr std::size_t longestArgument = 100 * 1024; // bytes
 
 struct Outcome
 {
@@ -48,35 +52,55 @@ private:
     int m_file;
 };
 
-/// Runs a program to its end; its exit code, -1 if unknown.
-int runProgram(const std::string &path, const std::vector<std::string> &arguments, const OutputFile &output)
+/// Runs a program to its end; what it printed. Its exit code tells nothing: it is lost if the host ignores or
+/// collects its children.
+std::string outputOf(const std::string &path, const std::vector<std::string> &arguments)
 {
+    const OutputFile output;
     SpawnSettings settings;
     settings.replaceByFile(STDOUT_FILENO, output.descriptor());
     settings.replaceByNothing(STDIN_FILENO);
     settings.closeOthers();
     const pid_t child = settings.spawn(path.c_str(), argumentPointers(path, arguments).data());
-    return child < 0 ? -1 : waitForEnd(child);
+    if (child >= 0)
+        waitForEnd(child);
+    return output.start();
 }
 
-BoxAnswer answerOf(std::string word)
+/// A program that says none of the words did not show the box.
+Outcome outcomeOf(std::string word)
 {
     word.resize(word.find_last_not_of(" \r\n") + 1);
-    if (word == "abort")
-        return BoxAnswer::Abort;
-    if (word == "retry")
-        return BoxAnswer::Retry;
-    return word == "ignore" ? BoxAnswer::Ignore : BoxAnswer::None;
+    if (word == "abort" || word == "Abort")
+        return {BoxAnswer::Abort, true};
+    if (word == "retry" || word == "Retry")
+        return {BoxAnswer::Retry, true};
+    if (word == "ignore" || word == "Ignore")
+        return {BoxAnswer::Ignore, true};
+    return {BoxAnswer::None, word == "closed"};
 }
 
-/// Folder of the file this code is in: the library, or a program that contains it. Empty if unknown.
+/// Folder of the file this code is in: the library, or a program that contains it. Empty if unknown. The
+/// dynamic linker only knows the path it was given, which may be relative to a folder left since.
 std::string folderOfThisCode()
 {
-    Dl_info info{};
-    if (dladdr(&boxHelperName, &info) == 0 || info.dli_fname == nullptr)
-        return {};
-    const std::string_view file(info.dli_fname);
-    return std::string(file.substr(0, file.rfind('/') + 1));
+    const auto address = reinterpret_cast<std::uintptr_t>(&boxHelperName);
+    std::ifstream mappings("/proc/self/maps");
+    for (std::string line; std::getline(mappings, line);) {
+        std::uintptr_t begin = 0;
+        std::uintptr_t end = 0;
+        if (std::sscanf(line.c_str(), "%" SCNxPTR "-%" SCNxPTR, &begin, &end) != 2 || address < begin
+            || address >= end)
+            continue;
+        const std::size_t path = line.find('/');
+        return path == std::string::npos ? std::string() : line.substr(path, line.rfind('/') + 1 - path);
+    }
+    return {};
+}
+
+std::string shownPart(const std::string &text)
+{
+    return text.size() <= longestArgument ? text : text.substr(0, longestArgument) + "... (cut)";
 }
 
 Outcome askHelper(const std::string &title, const std::string &text)
@@ -87,10 +111,7 @@ Outcome askHelper(const std::string &title, const std::string &text)
         boxHelperName);
     if (path.empty())
         return {};
-    const OutputFile output;
-    const int exitCode = runProgram(path, {title, text}, output);
-    const BoxAnswer answer = answerOf(output.start());
-    return {answer, answer != BoxAnswer::None || exitCode == 0};
+    return outcomeOf(outputOf(path, {title, text}));
 }
 
 Outcome askXmessage(const std::string &title, const std::string &text)
@@ -100,34 +121,13 @@ Outcome askXmessage(const std::string &title, const std::string &text)
         return {};
     // A text that begins with '-' would be taken for an option.
     const std::string shownText = text.rfind('-', 0) == 0 ? ' ' + text : text;
-    const int exitCode =
-        runProgram(path, {"-center", "-title", title, "-buttons", "Abort:3,Retry:4,Ignore:5", shownText}, {});
-    switch (static_cast<BoxAnswer>(exitCode)) {
-    case BoxAnswer::Abort:
-    case BoxAnswer::Retry:
-    case BoxAnswer::Ignore:
-        return {static_cast<BoxAnswer>(exitCode), true};
-    case BoxAnswer::None:
-        return {BoxAnswer::None, true};
-    }
-    return {};
+    return outcomeOf(
+        outputOf(path, {"-center", "-print", "-title", title, "-buttons", "Abort,Retry,Ignore", shownText}));
 }
 
 bool hasDisplay()
 {
     return !environmentValue("DISPLAY").empty() || !environmentValue("WAYLAND_DISPLAY").empty();
-}
-
-void writeToStandardError(std::string_view text)
-{
-    while (!text.empty()) {
-        const ssize_t written = write(STDERR_FILENO, text.data(), text.size());
-        if (written < 0 && errno == EINTR)
-            continue;
-        if (written <= 0)
-            return;
-        text.remove_prefix(static_cast<std::size_t>(written));
-    }
 }
 
 Outcome ask(const std::string &title, const std::string &text)
@@ -144,9 +144,9 @@ const char *const boxHelperName = "zorvan-messagebox";
 
 BoxAnswer nativeMessageBox(const std::string &title, const std::string &text)
 {
-    const Outcome outcome = ask(title, text);
+    const Outcome outcome = ask(shownPart(title), shownPart(text));
     if (!outcome.wasShown)
-        writeToStandardError(title + ": " + text + '\n');
+        writeStandardError(title + ": " + text + '\n');
     return outcome.answer;
 }
 

@@ -9,6 +9,7 @@
 #include <memory>
 #include <pthread.h>
 #include <sstream>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace Zorvan::platform {
@@ -64,12 +65,20 @@ bool commandLineHas(const char *id, const ProcessStatus &status, const char *par
     return false;
 }
 
+/// Another user's process could have any name; it must not be taken for a program of this one.
+bool isTrusted(const char *id)
+{
+    struct stat status;
+    return stat(("/proc/" + std::string(id)).c_str(), &status) == 0
+        && (status.st_uid == 0 || status.st_uid == geteuid());
+}
+
 bool isRunning(const char *id, const char *part)
 {
     const ProcessStatus status = processStatus(id);
     if (status.state == 'Z' || status.state == 'X')
         return false;
-    return status.name.find(part) != std::string::npos || commandLineHas(id, status, part);
+    return (status.name.find(part) != std::string::npos || commandLineHas(id, status, part)) && isTrusted(id);
 }
 
 /// Keeps the host's signal handlers out of the child of a fork.

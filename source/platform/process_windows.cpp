@@ -105,7 +105,7 @@ bool startDetached(const std::string &program, const std::vector<std::string> &a
     startup.cb = sizeof(startup);
     PROCESS_INFORMATION process{};
     if (CreateProcessW(path.c_str(), line.data(), nullptr, nullptr, FALSE,
-                       DETACHED_PROCESS | CREATE_NEW_PROCESS_GROUP, nullptr, nullptr, &startup, &process)
+                       CREATE_NEW_CONSOLE | CREATE_NEW_PROCESS_GROUP, nullptr, nullptr, &startup, &process)
         == 0)
         return false;
     CloseHandle(process.hThread);

@@ -20,7 +20,8 @@ bool parseAddress(const char *text, std::uint16_t port, Address &address);
 std::intptr_t open();
 void close(std::intptr_t socket);
 
-bool connect(std::intptr_t socket, const Address &address);
+/// One attempt, given up after \a limit.
+bool connect(std::intptr_t socket, const Address &address, std::chrono::milliseconds limit);
 /// True if the socket is connected to itself: the system may choose the very port that is asked for as its
 /// own.
 bool isConnectedToItself(std::intptr_t socket);
@@ -32,6 +33,8 @@ std::int64_t receive(std::intptr_t socket, char *buffer, std::size_t capacity);
 /// Waits until there is something to read or the connection has ended. False after the limit, if it is not
 /// negative.
 bool waitReadable(std::intptr_t socket, std::chrono::milliseconds limit);
+/// The same until at least one byte can be sent.
+bool waitWritable(std::intptr_t socket, std::chrono::milliseconds limit);
 std::size_t pendingBytes(std::intptr_t socket);
 void setBlocking(std::intptr_t socket, bool blocking);
 void shutDown(std::intptr_t socket);

@@ -44,13 +44,14 @@ bool waitFor(std::intptr_t socket, short events, milliseconds limit)
     return ready > 0 && (entry.revents & POLLNVAL) == 0;
 }
 
-/// A connect() that a signal interrupted goes on by itself; calling it again would fail.
-bool finishConnect(std::intptr_t socket)
+/// A connect() that does not block goes on by itself, also if a signal interrupted it; calling it again would
+/// fail.
+bool finishConnect(std::intptr_t socket, milliseconds limit)
 {
-    int error = 0;
+    int error = ETIMEDOUT;
     socklen_t length = sizeof(error);
-    if (!waitFor(socket, POLLOUT, milliseconds(-1))
-        || getsockopt(descriptor(socket), SOL_SOCKET, SO_ERROR, &error, &length) != 0)
+    if (waitFor(socket, POLLOUT, limit)
+        && getsockopt(descriptor(socket), SOL_SOCKET, SO_ERROR, &error, &length) != 0)
         return false;
     errno = error;
     return error == 0;
@@ -84,15 +85,18 @@ void close(std::intptr_t socket)
     ::close(descriptor(socket));
 }
 
-bool connect(std::intptr_t socket, const Address &address)
+bool connect(std::intptr_t socket, const Address &address, milliseconds limit)
 {
     sockaddr_in peer{};
     peer.sin_family = AF_INET;
     peer.sin_addr.s_addr = address.host;
     peer.sin_port = address.port;
-    if (::connect(descriptor(socket), reinterpret_cast<const sockaddr *>(&peer), sizeof(peer)) == 0)
-        return true;
-    return errno == EINTR && finishConnect(socket);
+    setBlocking(socket, false);
+    if (::connect(descriptor(socket), reinterpret_cast<const sockaddr *>(&peer), sizeof(peer)) != 0
+        && ((errno != EINPROGRESS && errno != EINTR) || !finishConnect(socket, limit)))
+        return false;
+    setBlocking(socket, true);
+    return true;
 }
 
 bool isConnectedToItself(std::intptr_t socket)
@@ -119,6 +123,11 @@ std::int64_t receive(std::intptr_t socket, char *buffer, std::size_t capacity)
 bool waitReadable(std::intptr_t socket, milliseconds limit)
 {
     return waitFor(socket, POLLIN, limit);
+}
+
+bool waitWritable(std::intptr_t socket, milliseconds limit)
+{
+    return waitFor(socket, POLLOUT, limit);
 }
 
 std::size_t pendingBytes(std::intptr_t socket)

@@ -33,10 +33,48 @@ int lengthOf(std::size_t count)
     return static_cast<int>(std::min<std::size_t>(count, INT_MAX));
 }
 
+/// The outcome of a connect() that does not block; the thread's last error tells it too.
+bool finishConnect(std::intptr_t socket, milliseconds limit)
+{
+    // Not WSAPoll(): older systems never tell it that connecting has failed.
+    fd_set connected;
+    FD_ZERO(&connected);
+    FD_SET(nativeSocket(socket), &connected);
+    fd_set failed = connected;
+    const auto count = static_cast<long>(limit.count());
+    timeval wait{count / 1000, count % 1000 * 1000};
+    int error = WSAETIMEDOUT;
+    int length = sizeof(error);
+    if (select(0, nullptr, &connected, &failed, &wait) > 0
+        && getsockopt(nativeSocket(socket), SOL_SOCKET, SO_ERROR, reinterpret_cast<char *>(&error), &length)
+            != 0)
+        return false;
+    WSASetLastError(error);
+    return error == 0;
+}
+
 /// Sending nothing puts nothing on the wire, but fails once shutDown() was called.
 bool isShutDown(std::intptr_t socket)
 {
     return ::send(nativeSocket(socket), "", 0, 0) < 0 && WSAGetLastError() == WSAESHUTDOWN;
+}
+
+/// Waits for \a event, an error or the end of the connection. A wait that has begun may not notice that
+/// another thread of this process ends the connection: look for that between short waits.
+bool waitFor(std::intptr_t socket, short event, milliseconds limit)
+{
+    const auto start = steady_clock::now();
+    WSAPOLLFD entry{nativeSocket(socket), event, 0};
+    while (!isShutDown(socket)) {
+        const milliseconds left = limit - std::chrono::floor<milliseconds>(steady_clock::now() - start);
+        const milliseconds slice = limit < milliseconds::zero() ? longestSlice : std::min(left, longestSlice);
+        const int ready = WSAPoll(&entry, 1, static_cast<int>(std::max(slice, milliseconds::zero()).count()));
+        if (ready != 0)
+            return ready > 0 && (entry.revents & POLLNVAL) == 0;
+        if (slice < longestSlice)
+            return false;
+    }
+    return true;
 }
 
 } // namespace
@@ -60,13 +98,18 @@ void close(std::intptr_t socket)
     closesocket(nativeSocket(socket));
 }
 
-bool connect(std::intptr_t socket, const Address &address)
+bool connect(std::intptr_t socket, const Address &address, milliseconds limit)
 {
     sockaddr_in peer{};
     peer.sin_family = AF_INET;
     peer.sin_addr.s_addr = address.host;
     peer.sin_port = address.port;
-    return ::connect(nativeSocket(socket), reinterpret_cast<const sockaddr *>(&peer), sizeof(peer)) == 0;
+    setBlocking(socket, false);
+    if (::connect(nativeSocket(socket), reinterpret_cast<const sockaddr *>(&peer), sizeof(peer)) != 0
+        && (WSAGetLastError() != WSAEWOULDBLOCK || !finishConnect(socket, limit)))
+        return false;
+    setBlocking(socket, true);
+    return true;
 }
 
 bool isConnectedToItself(std::intptr_t socket)
@@ -92,22 +135,14 @@ std::int64_t receive(std::intptr_t socket, char *buffer, std::size_t capacity)
     return count < 0 && WSAGetLastError() == WSAESHUTDOWN ? 0 : count;
 }
 
-// A wait that has begun may not notice that another thread of this process ends the connection: look for that
-// between short waits.
 bool waitReadable(std::intptr_t socket, milliseconds limit)
 {
-    const auto start = steady_clock::now();
-    WSAPOLLFD entry{nativeSocket(socket), POLLRDNORM, 0};
-    while (!isShutDown(socket)) {
-        const milliseconds left = limit - std::chrono::floor<milliseconds>(steady_clock::now() - start);
-        const milliseconds slice = limit < milliseconds::zero() ? longestSlice : std::min(left, longestSlice);
-        const int ready = WSAPoll(&entry, 1, static_cast<int>(std::max(slice, milliseconds::zero()).count()));
-        if (ready != 0)
-            return ready > 0 && (entry.revents & POLLNVAL) == 0;
-        if (slice < longestSlice)
-            return false;
-    }
-    return true;
+    return waitFor(socket, POLLRDNORM, limit);
+}
+
+bool waitWritable(std::intptr_t socket, milliseconds limit)
+{
+    return waitFor(socket, POLLWRNORM, limit);
 }
 
 std::size_t pendingBytes(std::intptr_t socket)

@@ -10,4 +10,10 @@ void writeStandardOutput(std::string_view bytes)
     std::fflush(stdout);
 }
 
+void writeStandardError(std::string_view bytes)
+{
+    std::fwrite(bytes.data(), 1, bytes.size(), stderr);
+    std::fflush(stderr);
+}
+
 } // namespace Zorvan::platform

@@ -8,6 +8,7 @@ namespace Zorvan::platform {
 namespace {
 
 constexpr std::size_t longestPiece = 49152; // bytes
+constexpr std::chrono::milliseconds connectLimit(200); // a peer of this machine answers in far less
 
 } // namespace
 
@@ -24,7 +25,7 @@ bool TcpSocket::connect(const char *address, std::uint16_t port)
         return false;
     m_handle = socketcalls::open();
     m_isBlocking = true;
-    if (isOpen() && socketcalls::connect(m_handle, peer)) {
+    if (isOpen() && socketcalls::connect(m_handle, peer, connectLimit)) {
         if (!socketcalls::isConnectedToItself(m_handle))
             return true;
         m_state = SocketState::Refused;
@@ -77,6 +78,11 @@ std::int64_t TcpSocket::receive(char *buffer, std::size_t capacity)
 bool TcpSocket::waitReadable(std::chrono::milliseconds limit)
 {
     return isOpen() && socketcalls::waitReadable(m_handle, limit);
+}
+
+bool TcpSocket::waitWritable(std::chrono::milliseconds limit)
+{
+    return isOpen() && socketcalls::waitWritable(m_handle, limit);
 }
 
 std::size_t TcpSocket::pendingBytes() const

@@ -25,8 +25,8 @@ enum class SocketState : int {
 };
 
 /// One stream connection. Not for two threads at once, except that while the connection stays open other
-/// threads may call send(), waitReadable() and shutDown(); the last wakes a thread that waits in
-/// waitReadable() or receive().
+/// threads may call send(), the waits and shutDown(); the last wakes a thread that waits in waitReadable(),
+/// waitWritable() or receive().
 ///
 /// Sending to a closed peer never raises a signal. The descriptor is close-on-exec. After close() every
 /// operation fails at once; the number of the old descriptor is never used again.
@@ -38,8 +38,8 @@ public:
     TcpSocket(const TcpSocket &) = delete;
     TcpSocket &operator=(const TcpSocket &) = delete;
 
-    /// Connects to a numeric IPv4 address ("127.0.0.1"). One attempt; a fresh descriptor at each call. A
-    /// connection that ends up at its own port counts as refused.
+    /// Connects to a numeric IPv4 address ("127.0.0.1"). One attempt of at most 200 ms; a fresh
+    /// descriptor at each call. A connection that ends up at its own port counts as refused.
     bool connect(const char *address, std::uint16_t port);
     [[nodiscard]] bool isOpen() const { return m_handle != invalidHandle; }
     /// Bytes taken by the system: all of them, fewer if it would block, -1 if the connection is gone.
@@ -50,6 +50,8 @@ public:
     /// Waits until something can be read or the connection has ended; false at once when not open, or after
     /// the limit. A negative limit waits without end.
     bool waitReadable(std::chrono::milliseconds limit);
+    /// The same until something can be sent or the connection has ended.
+    bool waitWritable(std::chrono::milliseconds limit);
     /// Bytes that can be received without waiting; 0 if none or unknown.
     [[nodiscard]] std::size_t pendingBytes() const;
     /// A new connection blocks.

@@ -58,6 +58,13 @@ TEST_F(PosixFiles, plantedFileIsNotTrusted)
     ASSERT_EQ(symlink(m_path.c_str(), (m_folder / "link").c_str()), 0);
     EXPECT_FALSE(readTrustedFile((m_folder / "link").c_str(), 9, content));
     EXPECT_TRUE(readTrustedFile(m_path.c_str(), 9, content));
+    ASSERT_EQ(link(m_path.c_str(), (m_folder / "second").c_str()), 0);
+    EXPECT_FALSE(readTrustedFile((m_folder / "second").c_str(), 9, content)) << "anybody can make one";
+    ASSERT_EQ(unlink((m_folder / "second").c_str()), 0);
+    ASSERT_EQ(chmod(m_path.c_str(), 0666), 0);
+    EXPECT_FALSE(readTrustedFile(m_path.c_str(), 9, content)) << "anybody can write";
+    ASSERT_EQ(chmod(m_path.c_str(), 0644), 0);
+    EXPECT_TRUE(readTrustedFile(m_path.c_str(), 9, content));
     if (chown(m_path.c_str(), 65534, 65534) != 0)
         GTEST_SKIP() << "only the administrator can give files away";
     EXPECT_FALSE(readTrustedFile(m_path.c_str(), 9, content));

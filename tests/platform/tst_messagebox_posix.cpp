@@ -3,6 +3,7 @@
 
 #include <csignal>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 namespace Zorvan::platform::tests {
 namespace {
@@ -39,12 +40,41 @@ TEST_F(MessageBoxOnPosix, helperGetsTheTextsAndGivesTheAnswer)
     const auto handler = std::signal(SIGCHLD, SIG_IGN);
     makeHelper("echo abort");
     EXPECT_EQ(show(), BoxAnswer::Abort) << "though the host ignores its children";
+    makeHelper("echo closed");
+    EXPECT_EQ(show(), BoxAnswer::None) << "closed without an answer";
+    EXPECT_EQ(m_standardError, "");
     std::signal(SIGCHLD, handler);
     makeHelper("echo ignore; exit 1");
     EXPECT_EQ(show(), BoxAnswer::Ignore);
     makeHelper("echo else");
-    EXPECT_EQ(show(), BoxAnswer::None) << "closed without an answer";
-    EXPECT_EQ(m_standardError, "");
+    EXPECT_EQ(show(), BoxAnswer::None);
+    EXPECT_EQ(m_standardError, "title: text\n") << "who says that has not shown it";
+}
+
+TEST_F(MessageBoxOnPosix, textTooLongForTheSystemIsCut)
+{
+    makeHelper("printf '%s' \"$2\" > \"${0%/*}/seen\"; echo abort");
+    EXPECT_EQ(show(std::string(131'072, 'x')), BoxAnswer::Abort);
+    EXPECT_EQ(contentOf(m_folder / "seen"), std::string(102'400, 'x') + "... (cut)");
+}
+
+TEST_F(MessageBoxOnPosix, closedStandardErrorDoesNotEndTheHost)
+{
+    int ends[2];
+    ASSERT_EQ(pipe(ends), 0);
+    close(ends[0]);
+    const int before = dup(STDERR_FILENO);
+    dup2(ends[1], STDERR_FILENO);
+    const auto handler = std::signal(SIGPIPE, SIG_DFL);
+    m_display.set(std::nullopt);
+    EXPECT_EQ(nativeMessageBox("title", "text"), BoxAnswer::None);
+    std::signal(SIGPIPE, handler);
+    dup2(before, STDERR_FILENO);
+    close(before);
+    close(ends[1]);
+    sigset_t pending;
+    sigpending(&pending);
+    EXPECT_EQ(sigismember(&pending, SIGPIPE), 0);
 }
 
 TEST_F(MessageBoxOnPosix, withoutDisplayTheTextGoesToStandardError)
@@ -60,9 +90,12 @@ TEST_F(MessageBoxOnPosix, withoutDisplayTheTextGoesToStandardError)
 TEST_F(MessageBoxOnPosix, xmessageIsTheLastResort)
 {
     makeHelper("exit 2");
-    makeScript(m_folder / "xmessage", "printf '%s|' \"$@\" > \"${0%/*}/seen\"; exit 4");
+    makeScript(m_folder / "xmessage", "printf '%s|' \"$@\" > \"${0%/*}/seen\"; echo Retry");
+    const auto handler = std::signal(SIGCHLD, SIG_IGN);
     EXPECT_EQ(show("-text"), BoxAnswer::Retry);
-    EXPECT_EQ(contentOf(m_folder / "seen"), "-center|-title|title|-buttons|Abort:3,Retry:4,Ignore:5| -text|");
+    std::signal(SIGCHLD, handler);
+    EXPECT_EQ(contentOf(m_folder / "seen"),
+              "-center|-print|-title|title|-buttons|Abort,Retry,Ignore| -text|");
     makeScript(m_folder / "xmessage", "exit 1");
     EXPECT_EQ(show(), BoxAnswer::None);
     EXPECT_EQ(m_standardError, "title: text\n");

@@ -9,6 +9,16 @@ namespace {
 
 const char *const helper = "zorvan_platform_helper";
 
+std::filesystem::path helperFile()
+{
+    const std::filesystem::path folder = std::filesystem::u8path(executableFolder());
+    for (const auto &entry : std::filesystem::directory_iterator(folder)) {
+        if (entry.path().stem() == helper)
+            return entry.path();
+    }
+    return {};
+}
+
 TEST(Process, startedProgramGetsItsArgumentsUnchanged)
 {
     const std::vector<std::string> tricky{"two words",  "",          "\"quoted\"", "back\\slash\\", "\\\\\"",
@@ -26,14 +36,19 @@ TEST(Process, startedProgramGetsItsArgumentsUnchanged)
 
 TEST(Process, isRunningUntilItHasEnded)
 {
-    const auto running = [] { return isProcessRunning("platform_helper"); };
-    EXPECT_TRUE(eventually([&] { return !running(); })) << "left over by another test";
+    const TemporaryFolder folder;
+    // Another test may search at the same time; the folder's name is its own.
+    const std::string part = "helper-" + std::filesystem::u8path(folder.path()).filename().u8string();
+    const std::string program = folder / ("Platform_" + part);
+    std::filesystem::copy_file(helperFile(), program);
+    const auto running = [&] { return isProcessRunning(part.c_str()); };
+    EXPECT_FALSE(running());
     Peer peer;
-    ASSERT_TRUE(startDetached(helper, {std::to_string(peer.port())}));
+    ASSERT_TRUE(startDetached(program, {std::to_string(peer.port())}));
     peer.accept();
     EXPECT_TRUE(running());
-    EXPECT_TRUE(isProcessRunning(helper));
-    EXPECT_FALSE(isProcessRunning("Platform_helper")) << "case counts";
+    EXPECT_TRUE(isProcessRunning(("Platform_" + part).c_str()));
+    EXPECT_FALSE(isProcessRunning(("platform_" + part).c_str())) << "case counts";
     EXPECT_FALSE(isProcessRunning(nullptr));
     EXPECT_FALSE(isProcessRunning(""));
     peer.close();
@@ -51,11 +66,7 @@ TEST(Process, currentFolderIsNeverSearched)
 {
     const TemporaryFolder folder;
     const std::filesystem::path here = std::filesystem::current_path();
-    std::filesystem::path program = std::filesystem::u8path(executableFolder());
-    for (const auto &entry : std::filesystem::directory_iterator(program)) {
-        if (entry.path().stem() == helper)
-            program = entry.path();
-    }
+    const std::filesystem::path program = helperFile();
     const std::string name = "zorvan-lure" + program.extension().string();
     std::filesystem::copy_file(program, folder / name);
     std::filesystem::current_path(folder.path());

@@ -13,6 +13,12 @@
 namespace Zorvan::platform::tests {
 namespace {
 
+/// Another test may search for its processes at the same time.
+std::string ownName()
+{
+    return std::to_string(getpid()) + 'z';
+}
+
 TEST(PosixProcess, detachedProgramSharesNothingWithItsStarter)
 {
     const TemporaryFolder folder;
@@ -61,28 +67,53 @@ TEST(PosixProcess, fileThatIsNoProgramIsNotStarted)
 
 TEST(PosixProcess, endedButUncollectedProcessDoesNotCount)
 {
+    const std::string name = "z) " + ownName();
     const pid_t child = fork();
     if (child == 0) {
-        prctl(PR_SET_NAME, "zorvan) zombie");
+        prctl(PR_SET_NAME, name.c_str());
         pause();
     }
-    EXPECT_TRUE(eventually([] { return isProcessRunning("zorvan) zombie"); }));
+    EXPECT_TRUE(eventually([&] { return isProcessRunning(name.c_str()); }));
     kill(child, SIGKILL);
     siginfo_t info{};
     waitid(P_PID, static_cast<id_t>(child), &info, WEXITED | WNOWAIT);
-    EXPECT_FALSE(isProcessRunning("zorvan) zombie"));
+    EXPECT_FALSE(isProcessRunning(name.c_str()));
     waitpid(child, nullptr, 0);
+}
+
+TEST(PosixProcess, programOfAnotherUserDoesNotCount)
+{
+    if (geteuid() != 0)
+        GTEST_SKIP() << "only the administrator can become somebody else";
+    const std::string name = "u" + ownName();
+    int ready[2];
+    ASSERT_EQ(pipe(ready), 0);
+    const pid_t child = fork();
+    if (child == 0) {
+        prctl(PR_SET_NAME, name.c_str());
+        if (setuid(65534) == 0 && prctl(PR_SET_DUMPABLE, 1) == 0 && write(ready[1], "x", 1) == 1)
+            pause();
+        _exit(1);
+    }
+    char byte = 0;
+    EXPECT_EQ(read(ready[0], &byte, 1), 1);
+    EXPECT_FALSE(isProcessRunning(name.c_str()));
+    kill(child, SIGKILL);
+    waitpid(child, nullptr, 0);
+    close(ready[0]);
+    close(ready[1]);
 }
 
 TEST(PosixProcess, scriptIsKnownByItsOwnNameButNotByOneItReads)
 {
     const TemporaryFolder folder;
-    const std::string document = folder / "zorvan-document.exe";
+    const std::string document = folder / ("document" + ownName());
     ASSERT_EQ(mkfifo(document.c_str(), 0600), 0);
-    const std::string script = makeScript(folder / "zorvan-script-with-long-name", "read line < \"$1\"");
+    const std::string script =
+        makeScript(folder / ("zorvan-script-with-long-name" + ownName()), "read line < \"$1\"");
     ASSERT_TRUE(startDetached(script, {document}));
-    EXPECT_TRUE(eventually([] { return isProcessRunning("script-with-long-name"); }));
-    EXPECT_FALSE(isProcessRunning("zorvan-document.exe"));
+    EXPECT_TRUE(eventually([] { return isProcessRunning(("long-name" + ownName()).c_str()); }));
+    EXPECT_FALSE(isProcessRunning(("document" + ownName()).c_str()));
     EXPECT_TRUE(eventually([&] { return replaceFile(document.c_str(), "end\n"); })) << "the script reads it";
 }
 

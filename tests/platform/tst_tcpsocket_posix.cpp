@@ -1,6 +1,7 @@
 #include "peer.h"
 #include "platform/socketcalls_p.h"
 
+#include <array>
 #include <csignal>
 #include <gtest/gtest.h>
 #include <netinet/in.h>
@@ -42,6 +43,21 @@ TEST_F(PosixTcpSocket, signalsNeitherShortenNorProlongAWait)
     EXPECT_GT(s_alarms, 2);
 }
 
+TEST_F(PosixTcpSocket, peerThatAcceptsNobodyIsGivenUpSoon)
+{
+    std::array<TcpSocket, 20> sockets; // more than fit into its queue
+    SocketState state = SocketState::Ok;
+    const auto start = std::chrono::steady_clock::now();
+    for (TcpSocket &socket : sockets) {
+        if (!socket.connect("127.0.0.1", m_peer.port())) {
+            state = socket.state();
+            break;
+        }
+    }
+    EXPECT_EQ(state, SocketState::TimedOut);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, 5s) << "the system's own limit is two minutes";
+}
+
 TEST_F(PosixTcpSocket, resetIsToldFromTheOrderlyEnd)
 {
     m_peer.reset();
@@ -61,7 +77,7 @@ TEST_F(PosixTcpSocket, connectionToOneselfIsRecognised)
     address.sin_port = own.port;
     const std::intptr_t socket = socketcalls::open();
     ASSERT_EQ(bind(static_cast<int>(socket), reinterpret_cast<sockaddr *>(&address), sizeof(address)), 0);
-    ASSERT_TRUE(socketcalls::connect(socket, own));
+    ASSERT_TRUE(socketcalls::connect(socket, own, 1s));
     EXPECT_TRUE(socketcalls::isConnectedToItself(socket));
     socketcalls::close(socket);
 }

@@ -4,6 +4,8 @@
 #include "lowlevelfunctions/loglines.h"
 #include "platform/process.h"
 #include "platform/support.h"
+#include "support/guiapplication.h"
+#include "support/maphost.h"
 #include "support/programdata.h"
 
 #include <zorvan/debug.h>
@@ -161,7 +163,7 @@ TEST_F(DaemonLinks, WithoutAProgramTheSearchEndsAtOnce)
 
 TEST_F(DaemonLinks, ALockFileLeftBehindOrPlantedDoesNotCount)
 {
-    test::writeFile(lockFile("left"), "1\n2\n");
+    test::writeFile(lockFile("left"), "1"); // incomplete until the new daemon replaces it
     EXPECT_TRUE(setUp("left"));
     EXPECT_NE(m_port, 1) << "that of the new daemon";
 
@@ -209,6 +211,36 @@ TEST_F(DaemonLinks, ExitEndsARequestThatWaits)
     m_link.finish();
     waiting.join();
     EXPECT_TRUE(receives("<assert>why</assert><exit/>"));
+}
+
+TEST_F(DaemonLinks, ModalBoxesAreAnnouncedWhileTheyWaitForTheirUser)
+{
+    installDaemon("DebugDaemon");
+    const test::TestApplication<QApplication> application;
+    test::MapHost host;
+    host.writeStringSetting("ProgressBar", QStringLiteral("useDaemon"), QStringLiteral("1"));
+    test::Robot robot;
+    Debug::initDebug();
+    QCoreApplication::processEvents();
+    const auto askBox = [](bool modal) {
+        const QString text = QStringLiteral("text");
+        return Debug::debugMessageBox(text, text, modal, 0, 1, 0, 0);
+    };
+    robot.click("OK");
+    EXPECT_GT(askBox(false), 1);
+    EXPECT_TRUE(test::runUntil([&] { return robot.left() == 0 && test::allDialogs().isEmpty(); }));
+    IMessageBoxInterface handler;
+    Debug::installMessageBoxHandler(&handler);
+    EXPECT_EQ(askBox(true), 1);
+    Debug::installMessageBoxHandler(nullptr);
+    EXPECT_FALSE(std::filesystem::exists(lockFile())) << "nothing to announce so far";
+    robot.then([this](QDialog &box) {
+        EXPECT_TRUE(receives(progressStart));
+        test::clickButton(box, "OK");
+    });
+    EXPECT_EQ(askBox(true), 1);
+    Debug::exitDebug();
+    EXPECT_TRUE(receives("<progress>messageStart</progress><progress>messageStop</progress><exit/>"));
 }
 
 int openSockets()

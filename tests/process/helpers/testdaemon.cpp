@@ -7,10 +7,13 @@
 ///                     16384         this code
 ///                     pieces:16384  the same, byte by byte
 ///                     late:16384    after 50 ms
+///                     twice:16384   the same, and four bytes too many
 ///                     short         two bytes and the end of the connection
 ///                     hangup        the end of the connection
 ///                     silent        nothing
 ///                     die           the end of the daemon
+///   DAEMON_HABITS   "latecomer": listens only half a second after it wrote the lock file;
+///                   "clinging": does not end its connection at <exit/>
 
 #include <chrono>
 #include <csignal>
@@ -50,6 +53,11 @@ std::string fileInFolder(const std::string &name)
     return environmentValue("TEMP") + '/' + name;
 }
 
+bool hasHabit(const char *habit)
+{
+    return environmentValue("DAEMON_HABITS") == habit;
+}
+
 /// Complete as soon as it can be seen.
 void writeFile(const std::string &name, const std::string &content)
 {
@@ -86,7 +94,8 @@ Daemon::Daemon(const std::string &instanceName)
     socklen_t length = sizeof address;
     auto *const generic = reinterpret_cast<sockaddr *>(&address);
     bind(m_listener, generic, length);
-    listen(m_listener, 5);
+    if (!hasHabit("latecomer"))
+        listen(m_listener, 5);
     getsockname(m_listener, generic, &length);
     writeFile("pid", std::to_string(getpid()));
     std::string lockFile = environmentValue("DAEMON_LOCKFILE");
@@ -94,6 +103,10 @@ Daemon::Daemon(const std::string &instanceName)
         lockFile.replace(place, 1, std::to_string(ntohs(address.sin_port)));
     if (!lockFile.empty())
         writeFile("DebugDaemonRunning_" + instanceName + ".lock", lockFile);
+    if (hasHabit("latecomer")) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(500));
+        listen(m_listener, 5);
+    }
 }
 
 void Daemon::run()
@@ -138,7 +151,7 @@ void Daemon::receive(Connection &connection)
         << bytes;
     connection.request += bytes;
     const auto has = [&](const char *text) { return connection.request.find(text) != std::string::npos; };
-    if (has("<exit/>"))
+    if (has("<exit/>") && !hasHabit("clinging"))
         hangUp(connection);
     else if (has("</msgbox>") || has("</assert>"))
         answer(connection);
@@ -160,6 +173,11 @@ void Daemon::answer(Connection &connection)
     if (word.rfind("late:", 0) == 0)
         std::this_thread::sleep_for(std::chrono::milliseconds(50));
     const std::int32_t code = std::stoi(word.substr(word.find(':') + 1));
+    if (word.rfind("twice:", 0) == 0) {
+        const std::int32_t codes[] = {code, ~code};
+        send(connection.socket, codes, sizeof codes, MSG_NOSIGNAL);
+        return;
+    }
     for (std::size_t sent = 0; sent < sizeof code; sent += pieceSize) {
         send(connection.socket, reinterpret_cast<const char *>(&code) + sent, pieceSize, MSG_NOSIGNAL);
         std::this_thread::sleep_for(std::chrono::milliseconds(5));
