@@ -142,6 +142,12 @@ void BoxPresenter::remove(int id)
         box->deleteLater();
 }
 
+void BoxPresenter::removeAll()
+{
+    for (debugMessageDialog *const box : m_open.values())
+        box->hide();
+}
+
 bool BoxPresenter::filter(QObject *watched, QEvent *event)
 {
     if (isKeyEvent(event))

@@ -29,6 +29,8 @@ public:
         const BoxContent &content, const std::function<void()> &giveUp = [] {});
     /// Takes an open box away; an unknown id does no harm.
     void remove(int id);
+    /// Takes all open boxes away.
+    void removeAll();
     /// Keeps the focus inside the boxes and notices when one is hidden. True if the event is used up.
     bool filter(QObject *watched, QEvent *event);
 

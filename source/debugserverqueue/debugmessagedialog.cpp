@@ -2,7 +2,6 @@
 
 #include <QAbstractTextDocumentLayout>
 #include <QAccessible>
-#include <QCloseEvent>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
@@ -143,15 +142,6 @@ void debugMessageDialog::showEvent(QShowEvent *event)
     QDialog::showEvent(event);
     QAccessibleEvent alert(this, QAccessible::Alert);
     QAccessible::updateAccessibility(&alert);
-}
-
-// An application that closes its windows at its end takes also those that their user cannot close.
-void debugMessageDialog::closeEvent(QCloseEvent *event)
-{
-    if (!event->spontaneous() && !isModal() && m_buttons.empty())
-        hide();
-    else
-        QDialog::closeEvent(event);
 }
 
 void debugMessageDialog::changeEvent(QEvent *event)

@@ -20,8 +20,8 @@ namespace Zorvan {
 /// A message box, built, sized and placed for the display of an instrument. GUI thread.
 ///
 /// Run a modal box with exec(), show() an open one. Without a button to press an open box stays until its
-/// owner takes it away: neither Escape nor the window's close control hide it, only a program. A box never
-/// decides whether the application ends with its last window.
+/// owner takes it away: neither Escape nor the window's close control hide it. A box does not count among the
+/// windows that keep the application alive.
 class debugMessageDialog final : public QDialog
 {
     Q_OBJECT
@@ -41,7 +41,6 @@ public:
 
 protected:
     void showEvent(QShowEvent *event) override;
-    void closeEvent(QCloseEvent *event) override;
     void changeEvent(QEvent *event) override;
 
 private:

@@ -7,7 +7,7 @@
 #include "debugserverqueue/hooks.h"
 #include "host/hosthandlers.h"
 
-#include <QCoreApplication>
+#include <QGuiApplication>
 #include <QPointer>
 
 #include <atomic>
@@ -42,6 +42,8 @@ DebugServerQueue::DebugServerQueue()
     QCoreApplication *const application = QCoreApplication::instance();
     moveToThread(application->thread());
     connect(application, &QCoreApplication::aboutToQuit, this, &DebugServerQueue::eventloopStopped);
+    if (auto *const windows = qobject_cast<QGuiApplication *>(application))
+        connect(windows, &QGuiApplication::lastWindowClosed, this, &DebugServerQueue::endWithLastWindow);
     installEventFilter(this);
     s_clientsAllowed.store(false);
     hooks::installLibraryHooks();
@@ -96,6 +98,14 @@ bool DebugServerQueue::eventFilter(QObject *watched, QEvent *event)
         return QObject::eventFilter(watched, event);
     handle(event);
     return true; // the queue may be deleted by now
+}
+
+// An application that ends with its last window asks every other one whether it closes, also the boxes that
+// their user cannot close.
+void DebugServerQueue::endWithLastWindow()
+{
+    if (QGuiApplication::quitOnLastWindowClosed())
+        m_boxes->removeAll();
 }
 
 void DebugServerQueue::handle(QEvent *event)

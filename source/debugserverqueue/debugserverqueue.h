@@ -42,6 +42,7 @@ public:
     Q_SLOT void timeout();
 
 private:
+    void endWithLastWindow();
     void handle(QEvent *event);
     void start();
     void armTimer();

@@ -1,12 +1,7 @@
-// What hosts cannot see yet: handlers and GUI state that are kept for the road into the GUI thread.
+// Messages of Qt, of kinds that a test cannot raise.
 
 #include "debug/qtmessages.h"
-#include "debugserverqueue/guibridge.h"
-#include "host/hosthandlers.h"
-#include "host/silentmessagebox.h"
 #include "support/maphost.h"
-
-#include <QCoreApplication>
 
 #include <gtest/gtest.h>
 
@@ -15,57 +10,6 @@ using namespace Zorvan::test;
 using Lines = std::vector<std::string>;
 
 namespace {
-
-TEST(Internals, BoxesAreSilencedOnlyWhileTheHostForbidsThem)
-{
-    MapHost host;
-    host.boxesAllowed = false;
-    Debug::initDebug();
-    EXPECT_EQ(host::messageBoxHandler(), silentMessageBox::instance());
-    Debug::exitDebug();
-    host.boxesAllowed = true;
-    Debug::initDebug();
-    EXPECT_EQ(host::messageBoxHandler(), nullptr);
-    Debug::exitDebug();
-    IMessageBoxInterface own;
-    Debug::installMessageBoxHandler(&own);
-    Debug::initDebug();
-    EXPECT_EQ(host::messageBoxHandler(), &own);
-    Debug::exitDebug();
-}
-
-TEST(Internals, TheGuiThreadIsForgottenWithItsApplication)
-{
-    int place = 0;
-    const auto start = [&place] {
-        Debug::setGuiThreadId(&place);
-        Debug::eventLoopStarted();
-        Debug::initDebug();
-    };
-    {
-        int argc = 0;
-        const QCoreApplication application(argc, nullptr);
-        start();
-        EXPECT_TRUE(guibridge::qtApplicationRuns());
-    }
-    EXPECT_FALSE(guibridge::eventLoopRunning());
-    EXPECT_EQ(guibridge::guiThreadId(), nullptr);
-    start(); // no application: the end of the library is the end of that state
-    EXPECT_TRUE(guibridge::eventLoopRunning());
-    Debug::exitDebug();
-    EXPECT_EQ(guibridge::guiThreadId(), nullptr);
-    EXPECT_FALSE(guibridge::qtApplicationRuns());
-}
-
-TEST(Internals, ARemoteClientsTableMarksTheProcessAsClient)
-{
-    Debug::initDebug();
-    Debug::createModule("debugserverclient", "Client");
-    EXPECT_FALSE(guibridge::isClientMode());
-    Debug::createModule("DebugServerClient", "Client");
-    EXPECT_TRUE(guibridge::isClientMode());
-    Debug::exitDebug();
-}
 
 TEST(Internals, QtMessagesHaveAPrefixAndALevelOfTheirType)
 {

@@ -28,36 +28,27 @@ const DisplayArea large{{1024, 768}, {}};
 const DisplayArea small{{320, 240}, {}};
 const DisplayArea withMargins{{1024, 768}, {100, 20, 24, 48}}; // leaves 900 by 700
 
-TEST(BoxWidth, IsThatOfTheContentWithATenthToSpare)
+TEST(BoxWidth, HasATenthToSpareAndEndsAtTheFrame)
 {
     EXPECT_EQ(widthOf(290, small), Length(290, false)) << "319 of 320";
     EXPECT_EQ(widthOf(291, small), Length(304, false)) << "320.1: all there is";
     EXPECT_EQ(widthOf(304, small), Length(304, false));
-    EXPECT_EQ(widthOf(818, withMargins), Length(818, false));
-    EXPECT_EQ(widthOf(819, withMargins), Length(884, false));
-}
-
-TEST(BoxWidth, EndsAtTheFrameAndWrapsWhatIsWider)
-{
     EXPECT_EQ(widthOf(305, small), Length(304, true));
     EXPECT_EQ(widthOf(2'000'000'000, large), Length(1008, true));
+    EXPECT_EQ(widthOf(818, withMargins), Length(818, false));
+    EXPECT_EQ(widthOf(819, withMargins), Length(884, false));
     EXPECT_EQ(widthOf(885, withMargins), Length(884, true));
 }
 
-TEST(BoxHeight, IsFixedWithATenthToSpare)
+TEST(BoxHeight, IsFixedWithATenthToSpareAndEndsAtTheFrame)
 {
     EXPECT_EQ(heightOf(182, DisplayArea{{320, 201}, {}}), Length(163, false)) << "the frame does not fit";
-    EXPECT_EQ(heightOf(600, large), Length(600, true));
     EXPECT_EQ(heightOf(698, large), Length(698, true)) << "767.8 of 768";
     EXPECT_EQ(heightOf(699, large), Length(699, false));
     EXPECT_EQ(heightOf(636, withMargins), Length(636, true)) << "699.6 of 700";
     EXPECT_EQ(heightOf(637, withMargins), Length(637, false));
-}
-
-TEST(BoxHeight, EndsAtTheFrameAndScrollsWhatIsHigherOrWraps)
-{
     EXPECT_EQ(heightOf(2'000'000'000, small), Length(202, false));
-    EXPECT_EQ(heightOf(100, small, true), Length(100, false));
+    EXPECT_EQ(heightOf(100, small, true), Length(100, false)) << "what wraps may scroll";
 }
 
 TEST(BoxPosition, IsTheMiddleOfWhatIsNotKeptFree)

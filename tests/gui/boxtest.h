@@ -5,7 +5,6 @@
 
 #include <zorvan/debug.h>
 
-#include <algorithm>
 #include <gtest/gtest.h>
 
 namespace Zorvan::test {
@@ -58,15 +57,6 @@ protected:
         robot.reset();
         application.reset();
     }
-    /// How many of the lines printed since the last question contain a text.
-    std::ptrdiff_t linesWith(const char *text)
-    {
-        const std::vector<std::string> lines = host.takeLines();
-        return std::count_if(lines.begin(), lines.end(), [text](const std::string &line) {
-            return line.find(text) != std::string::npos;
-        });
-    }
-
     MapHost host;
     std::optional<TestApplication<QApplication>> application;
     std::optional<Robot> robot;

@@ -128,7 +128,7 @@ TEST_F(Boxes, AreShownWhateverIdTheHostNamesForTheLoop)
         host.takeLines();
         robot->click("OK");
         EXPECT_EQ(ask(true, ok), ok) << "the loop must not wait for itself";
-        EXPECT_EQ(linesWith("++++ for correct usage of message boxes, you have to call "), id ? 0 : 1);
+        EXPECT_EQ(host.linesWith("++++ for correct usage of message boxes, you have to call "), id ? 0 : 1);
         robot->click("OK");
         const auto askAsLoop = [id] {
             Debug::setGuiThreadId(id ? QThread::currentThreadId() : nullptr);
@@ -136,6 +136,10 @@ TEST_F(Boxes, AreShownWhateverIdTheHostNamesForTheLoop)
         };
         EXPECT_EQ(inWorker(askAsLoop), ok);
     }
+    Debug::setGuiThreadId(nullptr);
+    robot->close();
+    Debug::debugFileSelect({}, {}, {});
+    EXPECT_EQ(host.linesWith("++++ for correct usage of file selectors, you have to call "), 1);
 }
 
 TEST_F(Boxes, TakeNullTexts)
@@ -187,6 +191,12 @@ TEST_F(Boxes, AreSilentIfTheHostForbidsThem)
     QCoreApplication::processEvents();
     EXPECT_EQ(ask(true, cancel), 1);
     EXPECT_EQ(inWorker([] { return ask(false, cancel); }), 1);
+    Debug::exitDebug();
+    host.boxesAllowed = true;
+    Debug::initDebug();
+    QCoreApplication::processEvents();
+    robot->click("Cancel");
+    EXPECT_EQ(ask(true, cancel), cancel) << "forgotten with the next start";
 }
 
 class Manager : public IInformationManager

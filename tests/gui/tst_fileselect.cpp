@@ -71,27 +71,11 @@ TEST_F(FileSelection, ThatIsRefusedGivesThePreviousPath)
     Debug::eventLoopFinished();
     EXPECT_EQ(inWorker([] { return select(); }), first);
     EXPECT_EQ(select(), first);
-    EXPECT_EQ(linesWith(noLoop), 2);
+    EXPECT_EQ(host.linesWith(noLoop), 2);
     endApplication();
     Debug::initDebug();
     EXPECT_EQ(select(), first);
-    EXPECT_EQ(linesWith(noQt), 1);
-}
-
-TEST_F(FileSelection, WorksWhateverIdTheHostNamesForTheLoop)
-{
-    host.store("DebugServerDebugLevel", "full");
-    Debug::exitDebug();
-    Debug::initDebug();
-    QCoreApplication::processEvents();
-    Debug::setGuiThreadId(nullptr);
-    robot->choose(first);
-    EXPECT_EQ(inWorker([] { return select(); }), first);
-    EXPECT_EQ(
-        linesWith("++++ for correct usage of file selectors, you have to call Debug::setGuiThreadId()!"), 1);
-    Debug::setGuiThreadId(this);
-    robot->choose(second);
-    EXPECT_EQ(select(), second);
+    EXPECT_EQ(host.linesWith(noQt), 1);
 }
 
 } // namespace

@@ -91,10 +91,18 @@ TEST_P(HostLines, ThatWaitAreDroppedByClearIfThatIsAllowed)
 TEST_P(HostLines, OfTheParentAreNotPrintedByAForkedChild)
 {
     const Lines lines = run("fork");
-    EXPECT_EQ(countOf(lines, "child of the main thread"), 1);
-    EXPECT_EQ(countOf(lines, "child of a worker"), 1);
-    EXPECT_EQ(countOf(lines, "child ended"), 2);
+    for (const char *const child : {"of the main thread", "of a worker", "before the first line"})
+        EXPECT_EQ(countOf(lines, std::string("child ") + child), 1) << child;
+    EXPECT_EQ(countOf(lines, "child ended"), 3);
     EXPECT_EQ(countOf(lines, "waits in the parent"), 1);
+}
+
+TEST_P(HostLines, ArriveAtTheEndOfAProcessThatKeepsItsApplication)
+{
+    const Lines lines = run("leak");
+    ASSERT_EQ(lines.size(), 2U);
+    EXPECT_EQ(placeOf(lines, "one"), 0);
+    EXPECT_EQ(placeOf(lines, "other"), 1);
 }
 
 INSTANTIATE_TEST_SUITE_P(Gui, HostLines, ::testing::Values("widgets"));
@@ -116,6 +124,7 @@ TEST_P(WidgetHostLines, AreThereWhenAModalBoxOpens)
 TEST_P(WidgetHostLines, AreDiscardedWithoutWindowOutput)
 {
     EXPECT_EQ(run("nowindow"), Lines());
+    EXPECT_EQ(run("nowindowatend"), Lines()) << "the end delivers what no batch has";
 }
 
 INSTANTIATE_TEST_SUITE_P(Gui, WidgetHostLines, ::testing::Values("widgets"));

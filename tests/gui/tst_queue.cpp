@@ -127,6 +127,10 @@ TEST_F(Queue, OpensRemoteAccessAtItsStartIfTheHostWantsThat)
     Debug::exitDebug();
     Debug::exitDebug();
     EXPECT_FALSE(Debug::clientsAllowed()) << "it ends with the library";
+    host.store("serverPortOpen", 0);
+    runLoop();
+    runOn();
+    EXPECT_FALSE(Debug::clientsAllowed()) << "a new queue knows nothing of the old one";
 }
 
 TEST_F(Queue, SwitchesTheOutputOnWhenTheLastClientLeaves)
@@ -145,7 +149,9 @@ TEST_F(Queue, KnowsTheModesOfItsProcess)
     EXPECT_FALSE(Debug::isServer() || Debug::isClient());
     runLoop();
     Debug::setServerMode(true);
-    Debug::setClientMode();
+    Debug::createModule("debugserverclient", "Client");
+    EXPECT_FALSE(Debug::isClient());
+    Debug::createModule("DebugServerClient", "Client"); // mirrors another process
     EXPECT_TRUE(Debug::isServer() && Debug::isClient());
     Debug::setServerMode(false);
     EXPECT_FALSE(Debug::isServer());
@@ -260,6 +266,25 @@ TEST_F(ClientThrottle, HandlesEventsButNotSocketsInAClientThatPrintsTooMuch)
     notifier.setEnabled(false);
     close(ends[0]);
     close(ends[1]);
+}
+
+TEST_F(ClientThrottle, DoesNotNestTheCallsThatItHandles)
+{
+    Debug::setClientMode();
+    int calls = 0;
+    int depth = 0;
+    int deepest = 0;
+    const auto call = [&] {
+        deepest = std::max(deepest, ++depth);
+        print();
+        --depth;
+        ++calls;
+    };
+    for (int i = 0; i < 300; ++i)
+        QMetaObject::invokeMethod(QCoreApplication::instance(), call, Qt::QueuedConnection);
+    print(freeLines);
+    EXPECT_TRUE(runUntil([&] { return calls == 300; }));
+    EXPECT_LE(deepest, 2);
 }
 
 } // namespace

@@ -19,16 +19,13 @@ protected:
     auto answerAcross(Question question, const char *setting, const std::function<void()> &end)
     {
         std::optional<decltype(question())> answer;
+        const int before = host.reads(setting);
         std::thread asker([&] { answer = question(); });
-        waitIdle([&] { return host.reads(setting) > 0; });
+        waitIdle([&] { return host.reads(setting) > before; });
         std::this_thread::sleep_for(std::chrono::milliseconds(20)); // most likely it waits now; both must do
         end();
         asker.join();
         return *answer;
-    }
-    int boxAnswerAcross(const std::function<void()> &end)
-    {
-        return answerAcross([] { return ask(true, ok); }, "enableMessageBoxes", end);
     }
     static void runLoopOnce()
     {
@@ -46,13 +43,13 @@ TEST_F(Requests, WithoutAnApplicationAreRefused)
     Debug::initDebug();
     host.takeLines();
     EXPECT_EQ(ask(false, ok), -1);
-    EXPECT_EQ(linesWith(noQt), 1);
+    EXPECT_EQ(host.linesWith(noQt), 1);
     Debug::removeMessageBox(2);
-    EXPECT_EQ(linesWith(noQt), 1);
+    EXPECT_EQ(host.linesWith(noQt), 1);
     host.store("enableMessageBoxes", 0);
     Debug::removeMessageBox(2);
     EXPECT_EQ(ask(true, ok), 0);
-    EXPECT_EQ(linesWith(noQt), 0);
+    EXPECT_EQ(host.linesWith(noQt), 0);
 }
 
 TEST_F(Requests, WithoutALoopAreRefusedUntilItRuns)
@@ -66,63 +63,44 @@ TEST_F(Requests, WithoutALoopAreRefusedUntilItRuns)
     std::optional<int> answer;
     std::thread([&] { answer = ask(true, ok); }).join();
     EXPECT_EQ(answer, -1);
-    EXPECT_EQ(linesWith(noLoop), 2);
+    EXPECT_EQ(host.linesWith(noLoop), 2);
     QCoreApplication::processEvents();
     robot->click("OK");
     EXPECT_EQ(ask(true, ok), ok);
     runLoopOnce();
     EXPECT_EQ(ask(true, ok), -1);
     EXPECT_EQ(inWorker([] { return ask(false, ok); }), -1);
-    EXPECT_EQ(linesWith(noLoop), 2);
+    EXPECT_EQ(host.linesWith(noLoop), 2);
     Debug::eventLoopStarted();
     robot->click("OK");
     EXPECT_EQ(inWorker([] { return ask(true, ok); }), ok) << "the host says that there is another loop";
 }
 
-TEST_F(Requests, AreAnsweredWhenTheLoopEnds)
+TEST_F(Requests, AreAnsweredWhateverEndsWhileTheyWait)
 {
-    std::optional<int> answer;
-    std::thread asker;
-    QTimer::singleShot(0, [&] {
-        asker = std::thread([&] { answer = ask(true, ok); });
-        waitIdle([this] { return host.reads("enableMessageBoxes") > 0; });
-        QCoreApplication::quit();
-    });
-    QCoreApplication::exec();
-    asker.join();
-    EXPECT_EQ(answer, -1);
-}
-
-TEST_F(Requests, AreAnsweredWhenTheHostSaysThatTheLoopEnds)
-{
-    EXPECT_EQ(boxAnswerAcross(&Debug::eventLoopFinished), -1);
-}
-
-TEST_F(Requests, AreAnsweredWhenTheLibraryEnds)
-{
-    EXPECT_EQ(boxAnswerAcross(&Debug::exitDebug), -1);
-}
-
-TEST_F(Requests, AreAnsweredWhenTheApplicationIsDestroyed)
-{
-    EXPECT_EQ(boxAnswerAcross([this] { endApplication(); }), -1);
-}
-
-TEST_F(Requests, ForAFileAreAnsweredWhenTheApplicationIsDestroyed)
-{
+    const auto endApplicationOnly = [this] { endApplication(); };
+    const auto startAgain = [this] {
+        if (!application) {
+            application.emplace();
+            robot.emplace();
+        }
+        Debug::exitDebug(); // surplus if the library has ended
+        Debug::initDebug();
+        QCoreApplication::processEvents();
+        Debug::eventLoopStarted();
+    };
+    const std::function<void()> ends[] = {
+        &Debug::eventLoopFinished, &Debug::exitDebug, endApplicationOnly, [&] {
+            Debug::setOutputReceiver(-1, [](hookData *) {}); // keeps the library up, not the widgets
+            endApplication();
+        }};
+    for (const std::function<void()> &end : ends) {
+        EXPECT_EQ(answerAcross([] { return ask(true, ok); }, "enableMessageBoxes", end), -1);
+        Debug::setOutputReceiver(-1, nullptr);
+        startAgain();
+    }
     const auto select = [] { return Debug::debugFileSelect(QString(), QString(), QString()); };
-    EXPECT_EQ(answerAcross(select, "enableFileSelect", [this] { endApplication(); }), QString());
-}
-
-TEST_F(Requests, AreAnsweredWhenTheLibraryEndsForAReceiver)
-{
-    // The receiver keeps the library up, not the widgets.
-    EXPECT_EQ(boxAnswerAcross([this] {
-                  Debug::setOutputReceiver(-1, [](hookData *) {});
-                  endApplication();
-              }),
-              -1);
-    Debug::setOutputReceiver(-1, nullptr);
+    EXPECT_EQ(answerAcross(select, "enableFileSelect", endApplicationOnly), QString());
 }
 
 class CountingHandler : public IMessageBoxInterface
@@ -172,6 +150,7 @@ bool s_fileAsked = false;
 void askInCallback()
 {
     s_answer = ask(true, ok);
+    EXPECT_EQ(ask(false, ok), -1) << "never shown: nobody could take it away";
     s_fileAsked = Debug::debugFileSelect(QString(), QString(), QString()).isEmpty();
 }
 
@@ -188,7 +167,7 @@ public:
 
 TEST_F(Requests, OfACallbackInAWorkerAreRefused)
 {
-    // The worker holds what the loop needs for its own lines, and so cannot wait. The boxes come later.
+    // The worker holds what the loop needs for its own lines, and so cannot wait. Modal boxes come later.
     robot->click("OK");
     robot->click("OK");
     QTimer lines;

@@ -75,15 +75,12 @@ TEST_F(BuiltinHooks, ShowWhatTheTestEditorHolds)
 {
     const char *const key = "DebugServer_testMessage";
     std::thread([key] { Debug::activateHooks(key, ""); }).join();
-    EXPECT_EQ(linesWith("test editor"), 1);
+    EXPECT_EQ(host.linesWith("test editor"), 1);
     EXPECT_EQ(editor(), nullptr) << "no widgets in other threads";
     EXPECT_EQ(boxOf(key, "", "type in HTML text in edit window", "OK"), "debugMessageBox test: OK [OK]");
     QTextEdit *const first = editor();
     ASSERT_NE(first, nullptr);
     EXPECT_TRUE(first->isVisible());
-    EXPECT_EQ(first->size(), QSize(800, 600));
-    EXPECT_EQ(first->font().family(), QLatin1String("Courier"));
-    EXPECT_EQ(first->font().pointSize(), 10);
     first->setPlainText(QStringLiteral("typed"));
     robot->then([](QDialog &box) {
         EXPECT_EQ(looksOf(box, "typed"), "debugMessageBox test: ");
@@ -113,7 +110,7 @@ TEST_F(BuiltinHooks, LoopTestBoxesUntilTheLibraryEnds)
     Debug::activateHooks("DebugServer_testMsgBox", "1000000");
     EXPECT_TRUE(runUntil([&] { return robot->left() == 0; }));
     EXPECT_TRUE(runUntil([] { return openDialogs().size() == 1; })) << "each goes when the next comes";
-    EXPECT_EQ(linesWith("1000000 is too much"), 1);
+    EXPECT_EQ(host.linesWith("1000000 is too much"), 1);
     const auto begin = std::chrono::steady_clock::now();
     Debug::exitDebug();
     EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(1900));

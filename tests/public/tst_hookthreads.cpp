@@ -95,4 +95,28 @@ TEST(HookThreads, AreJoinedByTheLoopOfTheApplication)
     QCoreApplication::processEvents();
 }
 
+TEST(HookThreads, ActivateTheLibrarysKeysWhileItEndsAndStarts)
+{
+    int argc = 0;
+    const QCoreApplication application(argc, nullptr);
+    std::atomic<bool> enough{false};
+    std::vector<std::thread> threads;
+    for (const char *const key : {"DebugServerFilterChangedHook", "DebugServer_allowRemote"}) {
+        threads.emplace_back([key, &enough] {
+            while (!enough)
+                Debug::activateHooks(key, "1");
+        });
+    }
+    for (int round = 0; round < 3 * rounds; ++round) {
+        Debug::initDebug();
+        QCoreApplication::processEvents();
+        Debug::exitDebug();
+    }
+    enough = true;
+    for (std::thread &thread : threads)
+        thread.join();
+    Debug::initDebug();
+    Debug::exitDebug(); // joins the last ones
+}
+
 } // namespace

@@ -121,17 +121,13 @@ TEST_F(LifeCycle, TheLibraryEndsWithTheApplication)
         stop();
         EXPECT_FALSE(isUp());
     }
-}
-
-TEST_F(LifeCycle, AnEndedLibraryIsLeftAloneByTheApplication)
-{
     startApplication();
     start();
     stop();
     endApplication();
     start(2);
     stop();
-    EXPECT_TRUE(isUp()) << "the count starts at zero";
+    EXPECT_TRUE(isUp()) << "an ended library is left alone: the count starts at zero";
 }
 
 TEST_F(LifeCycle, AReceiverForAllModulesOutlivesTheApplication)

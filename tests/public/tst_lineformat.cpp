@@ -64,11 +64,6 @@ protected:
     MapHost host;
 };
 
-TEST_F(LineFormat, WithoutStoredSettingsClassAndLevelAreShown)
-{
-    EXPECT_EQ(print("text"), Lines{"<debug message>, <     Warning>: text"});
-}
-
 TEST_F(LineFormat, ModuleNamesLineUpWithTheLongestNameInUse)
 {
     Debug::setDisplayFlags(-9);
@@ -191,17 +186,11 @@ TEST_F(LineFormat, OutputFilterIgnoresMatchesAtTheStart)
         EXPECT_EQ(print(row.text).size(), row.passes ? 1U : 0U) << row.pattern << " on " << row.text;
         EXPECT_EQ(Debug::getOutputFilter(), QString::fromLatin1(row.pattern));
     }
-}
-
-TEST_F(LineFormat, OutputFilterSeesTheHeader)
-{
     Debug::setDisplayFlags(-9);
-    Debug::setOutputFilter(QStringLiteral("abc"));
-    EXPECT_EQ(print("abc").size(), 1U);
-    Debug::setOutputFilter(QStringLiteral("KLV-Kernel"));
-    EXPECT_EQ(print("text").size(), 1U);
-    Debug::setOutputFilter(QStringLiteral("<   KLV"));
-    EXPECT_EQ(print("text").size(), 0U);
+    for (const auto &[pattern, lines] : {std::pair("abc", 1U), {"KLV-Kernel", 1U}, {"<   KLV", 0U}}) {
+        Debug::setOutputFilter(QString::fromLatin1(pattern));
+        EXPECT_EQ(print("abc").size(), lines) << "the header counts";
+    }
 }
 
 TEST_F(LineFormat, LevelFilterEntriesNeedModuleAndText)

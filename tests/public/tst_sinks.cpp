@@ -6,7 +6,6 @@
 
 #include <zorvan/debug.h>
 
-#include <QCoreApplication>
 #include <QLoggingCategory>
 
 #include <gtest/gtest.h>
@@ -186,20 +185,6 @@ TEST_F(Sinks, AReceiverMayStopTheLibraryInTheMiddleOfAMessage)
     Debug::setOutputReceiver(kernel, receiveAndExit);
     print("one\ntwo %d");
     EXPECT_NE(readFile(libraryFile("GYX-syslog-0.log")).find(": two 0\n"), std::string::npos);
-}
-
-TEST_F(Sinks, WithAnApplicationLinesWaitForItsLoop)
-{
-    int argc = 0;
-    QCoreApplication application(argc, nullptr);
-    Debug::initDebug();
-    EXPECT_EQ(standardOutputOf([] { print("one"); }), "");
-    print("two");
-    EXPECT_EQ(standardOutputOf([] {
-                  QCoreApplication::processEvents(); // starts the timer of the batch
-                  QCoreApplication::processEvents();
-              }),
-              "<debug message>, <+ CRITICAL +>: one\n<debug message>, <+ CRITICAL +>: two\n");
 }
 
 TEST_F(Sinks, QtMessagesGoToTheSystemLogWithTheirPosition)

@@ -101,27 +101,15 @@ protected:
     MapHost host;
 };
 
-TEST_F(Threads, LinesArriveWhileModulesAreMade)
-{
-    int made = 0;
-    printBeside([&made] {
-        if (made < 400) {
-            const std::string name = "Module" + std::to_string(made++);
-            const Zorvan::moduleId id = Debug::createModule(name.c_str(), name.c_str());
-            Debug::isActive(id, 0, 0);
-            Debug::getModuleName(id);
-        }
-    });
-    expectEveryLineOnceInOrder(fileLines());
-    expectEveryLineOnceInOrder(host.takeLines());
-    Debug::exitDebug();
-}
-
-TEST_F(Threads, CriticalLinesArriveWhileClassesLevelsAndSettingsAreSwitched)
+TEST_F(Threads, CriticalLinesArriveWhileModulesAreMadeAndSwitched)
 {
     int round = 0;
     printBeside([&round] {
         const int module = 1 + round++ % printers;
+        if (round < 400) {
+            const std::string name = "Module" + std::to_string(round);
+            Debug::getModuleName(Debug::createModule(name.c_str(), name.c_str()));
+        }
         Debug::enableClasses(module, round % 3 ? QStringLiteral("time") : QStringLiteral("all"));
         Debug::enableMessageClassType(module, 70); // beyond the classes that have a bit
         Debug::isActive(module, 1, 70);
@@ -134,6 +122,7 @@ TEST_F(Threads, CriticalLinesArriveWhileClassesLevelsAndSettingsAreSwitched)
         Debug::getEnabledMessageClasses(module);
     });
     expectEveryLineOnceInOrder(fileLines());
+    expectEveryLineOnceInOrder(host.takeLines());
     Debug::exitDebug();
 }
 

@@ -1,5 +1,7 @@
 #include "support/maphost.h"
 
+#include <algorithm>
+
 namespace Zorvan::test {
 
 namespace {
@@ -44,6 +46,13 @@ std::vector<std::string> MapHost::takeLines()
 {
     const std::lock_guard guard(m_mutex);
     return std::exchange(m_lines, {});
+}
+
+std::ptrdiff_t MapHost::linesWith(const char *text)
+{
+    const std::vector<std::string> lines = takeLines();
+    return std::count_if(lines.begin(), lines.end(),
+                         [text](const std::string &line) { return line.find(text) != std::string::npos; });
 }
 
 QString MapHost::lookUp(const char *group, const QString &key, const QString &defaultValue)

@@ -29,6 +29,8 @@ public:
     [[nodiscard]] std::vector<std::string> written();
     /// The lines that came through the line tap so far; empties the list.
     std::vector<std::string> takeLines();
+    /// How many of them contain a text; empties the list, too.
+    std::ptrdiff_t linesWith(const char *text);
 
     bool boxesAllowed = true;
     std::atomic<quint64> counter{0};

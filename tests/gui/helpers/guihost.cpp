@@ -118,16 +118,28 @@ void dropWaitingLines(MapHost &)
     Debug::exitDebug();
 }
 
-template <typename Application>
+template <typename Application, bool beforeAnyBatch>
 void printWithoutWindowOutput(MapHost &host)
 {
     host.store("noWindowOutput", 1);
     const TestApplication<Application> application;
     Debug::initDebug();
     print("discarded");
-    if (!runUntil([&] { return host.reads("noWindowOutput") > 0; }))
+    if (!beforeAnyBatch && !runUntil([&] { return host.reads("noWindowOutput") > 0; }))
         giveUp("no batch");
     Debug::exitDebug();
+}
+
+/// The process ends with lines on the way, and with its application.
+template <typename Application>
+void leaveWithoutEnd(MapHost &)
+{
+    static const auto *const leaked = new TestApplication<Application>;
+    static_cast<void>(leaked);
+    Debug::initDebug();
+    QCoreApplication::processEvents();
+    print("one");
+    print("other");
 }
 
 /// A modal box has the lines before it on the screen when it opens; a non-modal one does not hurry.
@@ -156,10 +168,8 @@ void printBeforeBoxes(MapHost &)
 template <typename Application>
 void forkWithWaitingLines(MapHost &)
 {
-    const TestApplication<Application> application;
     Debug::initDebug();
-    QCoreApplication::processEvents();
-    print("waits in the parent");
+    const TestApplication<Application> application;
     const auto forkAndPrint = [](const char *text) {
         const pid_t child = fork();
         if (child == 0) {
@@ -171,6 +181,10 @@ void forkWithWaitingLines(MapHost &)
         waitpid(child, &status, 0);
         say(status == 0 ? "child ended" : "child failed");
     };
+    std::thread([&] { forkAndPrint("child before the first line"); }).join();
+    Debug::initDebug();
+    QCoreApplication::processEvents();
+    print("waits in the parent");
     forkAndPrint("child of the main thread");
     std::thread([&] { forkAndPrint("child of a worker"); }).join();
     Debug::exitDebug();
@@ -180,9 +194,14 @@ template <typename Application>
 void run(const char *mode, MapHost &host)
 {
     const std::map<std::string, void (*)(MapHost &)> modes{
-        {"throughout", printThroughout<Application>}, {"stages", printInEveryStage<Application>},
-        {"clear", dropWaitingLines<Application>},     {"nowindow", printWithoutWindowOutput<Application>},
-        {"boxes", printBeforeBoxes<Application>},     {"fork", forkWithWaitingLines<Application>}};
+        {"throughout", printThroughout<Application>},
+        {"stages", printInEveryStage<Application>},
+        {"clear", dropWaitingLines<Application>},
+        {"nowindow", printWithoutWindowOutput<Application, false>},
+        {"boxes", printBeforeBoxes<Application>},
+        {"fork", forkWithWaitingLines<Application>},
+        {"nowindowatend", printWithoutWindowOutput<Application, true>},
+        {"leak", leaveWithoutEnd<Application>}};
     modes.at(mode)(host);
 }
 
