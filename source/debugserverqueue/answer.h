@@ -64,9 +64,6 @@ class PendingAnswer
 {
 public:
     PendingAnswer() = default;
-    explicit PendingAnswer(std::shared_ptr<Answer<Value>> answer)
-        : m_answer(std::move(answer))
-    {}
     ~PendingAnswer()
     {
         if (m_answer)
