@@ -54,6 +54,22 @@ void printClassMask(moduleId id)
         printNotice(classMask(*module));
 }
 
+/// The last level whose description contains a lower-case text; -1 if there is none. A name as remote clients
+/// are told it ("error:" of "<       Error>: ") is in no description; that is tried last.
+int lastLevelWith(const QString &wanted, const Descriptions &levels)
+{
+    const QString name = getNormalizedName(wanted);
+    int named = -1;
+    for (int level = levels.count() - 1; level >= 0; --level) {
+        const QString description = fromLatin1(levels.text(level)).toLower();
+        if (description.contains(wanted))
+            return level;
+        if (named < 0 && !name.isEmpty() && getNormalizedName(description).contains(name))
+            named = level;
+    }
+    return named;
+}
+
 /// Enables or disables one class, or all of them for -1, or all with the sense inverted for -2. The two
 /// special numbers keep an entry of their own besides, which says what messages of that class number get.
 void switchClass(moduleId id, int cls, bool enable)
@@ -154,12 +170,8 @@ void Debug::enableLevel(moduleId id, const QString &name)
         setClippingLevel(id, levels->count() - 1);
         return;
     }
-    for (int level = levels->count() - 1; level >= 0; --level) {
-        if (fromLatin1(levels->text(level)).toLower().contains(wanted)) {
-            setClippingLevel(id, level);
-            return;
-        }
-    }
+    if (const int level = lastLevelWith(wanted, *levels); level >= 0)
+        setClippingLevel(id, level);
 }
 
 QString Debug::getEnabledMessageLevel(moduleId id)

@@ -217,7 +217,8 @@ public:
     /// "all", "none" or the list of enabled classes; "none" for an unknown module, empty without a table.
     static QString getEnabledMessageClasses(moduleId module);
     /// Sets the clipping level by name: "release" silences the module, "full" lets everything through, else
-    /// the last level whose description contains \a name. Letter case does not count.
+    /// the last level whose description contains \a name. Letter case does not count, nor, if no description
+    /// fits, do the characters ':' ',' '<' '>' and outer blanks.
     static void enableLevel(moduleId module, const QString &name);
     /// Name of the clipping level, "release" if it is negative, empty if it has no description.
     static QString getEnabledMessageLevel(moduleId module);
