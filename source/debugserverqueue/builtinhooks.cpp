@@ -3,8 +3,8 @@
 #include "debugserverqueue/boxcontent.h"
 #include "debugserverqueue/guibridge.h"
 #include "debugserverqueue/hookthread.h"
+#include "debugserverqueue/librarynotice.h"
 #include "host/hosthandlers.h"
-#include "host/tablestate.h"
 
 #include <QPointer>
 #include <QTextEdit>
@@ -26,17 +26,13 @@ constexpr int criticalIcon = 3;
 constexpr int maxCount = 64; ///< clients far away choose the counts
 constexpr auto loopBoxTime = 1s;
 
-void notice(const QString &text)
-{
-    Debug::println(libraryModule, 0, text, 0);
-}
-
 /// A count from a parameter text; 0 if it is no number.
 int countFrom(const QString &text)
 {
     const int count = text.toInt();
     if (count > maxCount)
-        notice(QStringLiteral("++++ %1 is too much for a test hook, %2 are used").arg(count).arg(maxCount));
+        libraryNotice(
+            QStringLiteral("++++ %1 is too much for a test hook, %2 are used").arg(count).arg(maxCount));
     return std::min(count, maxCount);
 }
 
@@ -72,7 +68,7 @@ QString textOfTestEditor()
 void testMessage(const QString &parameters)
 {
     if (!guibridge::canShowWindows() || !guibridge::isGuiThread()) {
-        notice(QStringLiteral("++++ the test editor can only be shown by the GUI thread!"));
+        libraryNotice(QStringLiteral("++++ the test editor can only be shown by the GUI thread!"));
         return;
     }
     const bool modal = parameters.toLower() != QLatin1String("nonmodal");

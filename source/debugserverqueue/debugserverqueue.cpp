@@ -20,7 +20,6 @@ constexpr std::int32_t fastBatch = 200; // lines that are delivered at once
 constexpr std::int32_t linesPerMillisecond = 50; // longer batches grow by 1 ms for each of these
 
 std::atomic<bool> s_useDaemon{false};
-std::atomic<bool> s_clientsAllowed{false};
 
 void openServerIfWanted()
 {
@@ -45,7 +44,6 @@ DebugServerQueue::DebugServerQueue()
     if (auto *const windows = qobject_cast<QGuiApplication *>(application))
         connect(windows, &QGuiApplication::lastWindowClosed, this, &DebugServerQueue::endWithLastWindow);
     installEventFilter(this);
-    s_clientsAllowed.store(false);
     hooks::installLibraryHooks();
 }
 
@@ -53,11 +51,6 @@ DebugServerQueue::~DebugServerQueue()
 {
     guibridge::queueGone(this);
     closeTestEditor();
-}
-
-bool DebugServerQueue::clientsAllowed()
-{
-    return s_clientsAllowed.load();
 }
 
 bool DebugServerQueue::useDaemon()
@@ -84,8 +77,26 @@ void DebugServerQueue::timeout()
 {
     const QPointer<DebugServerQueue> kept(this);
     guibridge::readOutputSettings();
-    if (kept && guibridge::queueHere() == this) // the lines belong to its successor otherwise
+    if (!kept || guibridge::queueHere() != this)
+        return; // the lines belong to its successor
+    if (!m_remoteAccess.hasClients())
         guibridge::deliverLines(m_batch);
+    else if (guibridge::takeLines(m_batch))
+        m_remoteAccess.send(m_batch);
+}
+
+void DebugServerQueue::deliverLastLines()
+{
+    if (!m_remoteAccess.hasClients())
+        guibridge::deliverLines(m_batch);
+    else if (guibridge::takeLines(m_batch))
+        m_remoteAccess.append(m_batch);
+}
+
+void DebugServerQueue::closeRemoteAccess()
+{
+    if (RemoteAccess::isAllowed())
+        m_remoteAccess.close();
 }
 
 // As a filter of the application it sees the events of all objects, and numbers of its events may mean
@@ -163,11 +174,18 @@ void DebugServerQueue::armTimer()
     m_flushTimer->start(waiting <= fastBatch ? 0 : waiting / linesPerMillisecond);
 }
 
-// Without a listening socket only the state is kept and announced.
 void DebugServerQueue::openOrCloseServer(bool allowed)
 {
-    if (s_clientsAllowed.exchange(allowed) && !allowed)
-        Debug::setClientCount(0);
+    if (allowed == RemoteAccess::isAllowed())
+        return;
+    if (!allowed) {
+        m_remoteAccess.close();
+        return;
+    }
+    const QPointer<DebugServerQueue> kept(this);
+    const ServerPlace place = ServerPlace::read();
+    if (kept && guibridge::queueHere() == this && !RemoteAccess::isAllowed())
+        m_remoteAccess.open(place);
 }
 
 } // namespace Zorvan

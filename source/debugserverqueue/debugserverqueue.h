@@ -1,5 +1,7 @@
 #pragma once
 
+#include "debugserverqueue/remoteaccess.h"
+
 #include <zorvan/debug.h>
 
 #include <QObject>
@@ -13,7 +15,8 @@ namespace Zorvan {
 class BoxPresenter;
 
 /// The one object that lives in the GUI thread and does there what other threads ask for: it shows their
-/// lines in batches, their message boxes and their file selections, and joins their hook threads.
+/// lines in batches or sends them to remote clients, shows their message boxes and file selections, and joins
+/// their hook threads.
 ///
 /// Other threads reach it through guibridge only. It is made in whatever thread first needs it and moves to
 /// the application's thread; everything but the constructor runs there, the destructor included.
@@ -28,12 +31,15 @@ public:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
     [[nodiscard]] BoxPresenter &boxes() { return *m_boxes; }
-    /// Whether remote clients may connect. Any thread; false without a queue.
-    [[nodiscard]] static bool clientsAllowed();
     /// Whether message boxes are announced to the debug daemon: setting "useDaemon" of the group
     /// "ProgressBar". Any thread.
     [[nodiscard]] static bool useDaemon();
     static void readUseDaemon();
+
+    /// Delivers the last lines before the queue is detached. Calls nobody: locks may be held.
+    void deliverLastLines();
+    /// Closes the port for good: the queue's successor opens it again.
+    void closeRemoteAccess();
 
     /// A host may call it when its event loop is up; otherwise the queue finds out by its first event.
     Q_SLOT static void guiRunning();
@@ -46,11 +52,12 @@ private:
     void handle(QEvent *event);
     void start();
     void armTimer();
-    static void openOrCloseServer(bool allowed);
+    void openOrCloseServer(bool allowed);
 
     bool m_isStarted = false;
     std::unique_ptr<QTimer> m_flushTimer;
     std::unique_ptr<BoxPresenter> m_boxes;
+    RemoteAccess m_remoteAccess;
     std::string m_batch; ///< its memory goes back and forth between this and the lines that wait
 };
 

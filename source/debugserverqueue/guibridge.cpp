@@ -313,6 +313,12 @@ void forgetWaitingLines()
     road().lines.forgetCount();
 }
 
+bool takeLines(std::string &batch)
+{
+    const Locked guard(road().delivery);
+    return road().lines.take(batch);
+}
+
 void deliverLines(std::string &batch)
 {
     const Locked guard(road().delivery);
@@ -455,7 +461,10 @@ Ending::Ending()
         readOutputSettings();
     const Locked table(TableState::lock());
     s_endings.fetch_add(1);
-    m_isGuiThread = isGuiThread();
+    if (DebugServerQueue *const here = queueHere()) {
+        m_isGuiThread = true;
+        here->deliverLastLines();
+    }
     m_queue = detachQueue();
     deliverLastLines();
     afterlines::setLoopThread(nullptr);
@@ -471,6 +480,8 @@ void Ending::deleteQueue()
 {
     if (m_queue)
         ShownDialog::endAll(); // hooks may wait for them
+    if (m_queue && m_isGuiThread)
+        m_queue->closeRemoteAccess();
     hooks::endThreads();
     if (m_queue == nullptr)
         return;

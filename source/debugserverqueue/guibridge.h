@@ -48,9 +48,11 @@ void announceLines();
 [[nodiscard]] std::int32_t waitingLines();
 /// Counts anew from here; the lines go on waiting.
 void forgetWaitingLines();
-/// Delivers the lines that wait, as one batch. Any thread: in this version the standard output takes it.
-/// \a batch lends its memory; see PendingLines::take().
+/// Delivers the lines that wait, as one batch, where no remote client takes them. Any thread: in this version
+/// the standard output takes it. \a batch lends its memory; see PendingLines::take().
 void deliverLines(std::string &batch);
+/// Takes the lines that wait, for remote clients. GUI thread. False: there was none.
+[[nodiscard]] bool takeLines(std::string &batch);
 /// Asks the host, once per process, whether batches are dropped that only a window would take. Before the
 /// first batch is delivered, with no lock held: the host may do anything, even end the library.
 void readOutputSettings();

@@ -1,8 +1,8 @@
 // Members of the facade that lead into the GUI thread without an answer.
 
-#include "debugserverqueue/debugserverqueue.h"
 #include "debugserverqueue/events.h"
 #include "debugserverqueue/guibridge.h"
+#include "debugserverqueue/remoteaccess.h"
 
 #include <atomic>
 
@@ -56,7 +56,7 @@ void Debug::setClientsAllowed(bool allowed)
 
 bool Debug::clientsAllowed()
 {
-    return guibridge::queueExists() && DebugServerQueue::clientsAllowed();
+    return guibridge::queueExists() && RemoteAccess::isAllowed();
 }
 
 void Debug::setServerMode(bool on)

@@ -1,0 +1,94 @@
+#pragma once
+
+#include <QByteArray>
+#include <QHostAddress>
+#include <QTcpServer>
+
+#include <memory>
+#include <vector>
+
+namespace Zorvan {
+
+class DebugClientSocket;
+
+/// Serves remote clients: each one is greeted, gets every line of output and every command that any of them
+/// sends, and has its own commands executed. Anybody who reaches the port may connect.
+///
+/// GUI thread only. Commands, and the notices printed here, lead into code of the host, which may run an
+/// event loop or end the library; so a server is disposed of, never deleted.
+class DebugServerSocket final : public QTcpServer
+{
+    Q_OBJECT
+
+public:
+    /// Listens at once; look at isListening().
+    explicit DebugServerSocket(quint16 port,
+                               const QHostAddress &address = QHostAddress(QHostAddress::AnyIPv4),
+                               QObject *parent = nullptr);
+    ~DebugServerSocket() override;
+
+    /// Stops listening and closes all connections, after what was sent to them went out as far as the network
+    /// takes it at once. The server is deleted as soon as nothing runs in it any more.
+    struct Disposal
+    {
+        void operator()(DebugServerSocket *server) const;
+    };
+    using Owner = std::unique_ptr<DebugServerSocket, Disposal>;
+
+    [[nodiscard]] int clientCount() const { return static_cast<int>(m_clients.size()); }
+    /// Sends a record to every client. Lines in it are separated by line feeds.
+    void send(QByteArray record);
+    /// The same, but what the network takes goes out later: calls nobody, so that locks may be held.
+    void append(QByteArray record);
+
+    /// Echoes what a client sent, one or more complete lines, and executes it as one unit.
+    void execute(const QByteArray &lines);
+    /// False while so many units wait for the loops of their boxes that further ones must wait, too. Their
+    /// sockets are asked for them again later.
+    [[nodiscard]] bool canExecute() const;
+
+    /// Closes the connection of a client and prints a notice.
+    void drop(DebugClientSocket &client, const QString &reason);
+
+    /// Forgets a client whose connection has ended.
+    Q_SLOT void socketClosed(DebugClientSocket *client);
+
+    /// While one exists, neither the server nor any of its sockets is deleted. For every function that may
+    /// lead into code of the host.
+    class Activity
+    {
+    public:
+        explicit Activity(DebugServerSocket &server);
+        ~Activity();
+        Activity(const Activity &) = delete;
+        Activity &operator=(const Activity &) = delete;
+
+    private:
+        DebugServerSocket &m_server;
+    };
+
+protected:
+    void incomingConnection(qintptr descriptor) override;
+
+private:
+    using Clients = std::vector<DebugClientSocket *>;
+
+    void welcomeArrivals();
+    void welcome(DebugClientSocket *client);
+    void pauseAfterError();
+    void flushAll();
+    void runUnit(const QString &unit);
+    void askAgain();
+    void closeDown();
+    void deleteForgotten();
+
+    Clients m_arrivals; ///< connected, not greeted
+    Clients m_clients; ///< in the order of their acceptance
+    Clients m_forgotten; ///< their connections have ended
+    int m_activities = 0;
+    int m_runningUnits = 0;
+    bool m_isClosed = false;
+    bool m_acceptsAgain = true; ///< false from a failed accept to the next client
+};
+
+} // namespace Zorvan

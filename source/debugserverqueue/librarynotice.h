@@ -1,0 +1,15 @@
+#pragma once
+
+#include "host/tablestate.h"
+
+#include <zorvan/debug.h>
+
+namespace Zorvan {
+
+/// Prints something that whoever watches the output should know. Any thread, with no lock held.
+inline void libraryNotice(const QString &text)
+{
+    Debug::println(libraryModule, 0, text, 0);
+}
+
+} // namespace Zorvan

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "debugserverqueue/debugserversocket.h"
+
+#include <QString>
+
+#include <string>
+
+namespace Zorvan {
+
+/// Where remote clients find the host, as it is written in the host's settings.
+struct ServerPlace
+{
+    QString address; ///< empty: every IPv4 address of the machine
+    int port = 23;
+
+    /// Asks the host, which may do anything, even end the library.
+    static ServerPlace read();
+};
+
+/// The port for remote clients, open or closed. GUI thread.
+class RemoteAccess
+{
+public:
+    RemoteAccess();
+    ~RemoteAccess();
+    RemoteAccess(const RemoteAccess &) = delete;
+    RemoteAccess &operator=(const RemoteAccess &) = delete;
+
+    /// Whether remote clients may connect, also if the port could not be opened. Any thread.
+    [[nodiscard]] static bool isAllowed();
+
+    /// Prints a notice if the place is no good. Printing may end the library, this object included.
+    void open(const ServerPlace &place);
+    void close();
+
+    [[nodiscard]] bool hasClients() const { return m_server && m_server->clientCount() > 0; }
+    /// Sends a batch of lines to all clients. With clients only.
+    void send(const std::string &lines);
+    /// The same, but it only goes out with the next batch or at the end. Calls nobody: locks may be held.
+    void append(const std::string &lines);
+
+private:
+    DebugServerSocket::Owner m_server;
+};
+
+} // namespace Zorvan

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <QString>
+
+namespace Zorvan {
+
+/// The beginning of a unit, up to but not including the first declaration, or element with more than 100
+/// attributes. No command needs either: declarations define entities, which make a small text huge, and
+/// reading many attributes takes a time that grows with the square of their number.
+[[nodiscard]] QString harmlessPart(const QString &unit);
+
+} // namespace Zorvan
