@@ -6,6 +6,8 @@
 #include "print.h"
 #include "threadnames.h"
 
+#include <QCoreApplication>
+
 #include <cstring>
 #include <mutex>
 
@@ -84,17 +86,24 @@ void FrequencyHook::hookActivated(char *key, char *parameters)
     m_remote.send(std::string("FREQ ") + parameters);
 }
 
+void QuitHook::hookActivated(char *, char *)
+{
+    QMetaObject::invokeMethod(QCoreApplication::instance(), &QCoreApplication::quit, Qt::QueuedConnection);
+}
+
 Hooks::Hooks(const Instrument &instrument, RemoteControl &remote, Zorvan::moduleId module)
     : m_frequencyHook(remote, module)
 {
     setDumpSource(&instrument, module);
     Debug::installHook(setFrequency, &m_frequencyHook, true);
+    Debug::installHook(quit, &m_quitHook, true);
     Debug::installCHookHandler(dumpState, dumpStateActivated);
 }
 
 Hooks::~Hooks()
 {
     Debug::removeCHookHandler(dumpState, dumpStateActivated);
+    Debug::removeHook(quit, &m_quitHook);
     Debug::removeHook(setFrequency, &m_frequencyHook);
     setDumpSource(nullptr, -1); // waits for a dump that runs
 }

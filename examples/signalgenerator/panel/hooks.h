@@ -22,6 +22,13 @@ private:
     const Zorvan::moduleId m_module;
 };
 
+/// "SG_quit": ends the event loop and with it the host. Direct: it only asks for it.
+class QuitHook : public Zorvan::IHookInterface
+{
+public:
+    void hookActivated(char *key, char *parameters) override;
+};
+
 /// The host's own hooks, installed for as long as it lives: between two of Debug::initDebug() and
 /// Debug::exitDebug(). One at a time.
 ///
@@ -37,9 +44,11 @@ public:
 
     static constexpr const char *setFrequency = "SG_setFrequency";
     static constexpr const char *dumpState = "SG_dumpState";
+    static constexpr const char *quit = "SG_quit";
 
 private:
     FrequencyHook m_frequencyHook;
+    QuitHook m_quitHook;
 };
 
 } // namespace SignalGenerator
