@@ -81,7 +81,7 @@ QByteArray DebugClientSocket::takeLines()
             m_server.drop(*this, QStringLiteral("a line of more than 1 MiB"));
         return {};
     }
-    const QByteArray lines = m_received + fresh.left(end);
+    QByteArray lines = m_received + fresh.left(end);
     m_received = fresh.mid(end);
     return lines;
 }

@@ -7,6 +7,7 @@
 
 #include <zorvan/debug.h>
 
+#include <QNetworkProxy>
 #include <QTimer>
 
 #include <algorithm>
@@ -44,6 +45,7 @@ DebugServerSocket::DebugServerSocket(quint16 port, const QHostAddress &address, 
     // Not in incomingConnection(): the code that calls it needs the server afterwards.
     connect(this, &QTcpServer::newConnection, this, &DebugServerSocket::welcomeArrivals);
     connect(this, &QTcpServer::acceptError, this, &DebugServerSocket::pauseAfterError);
+    setProxy(QNetworkProxy::NoProxy); // a host's proxy is for what it fetches
     listen(address, port);
 }
 
