@@ -6,6 +6,7 @@
 #include "debug/outputgate.h"
 #include "debugserverqueue/guibridge.h"
 
+#include <QSet>
 #include <QStringList>
 
 #include <algorithm>
@@ -87,13 +88,24 @@ void switchClass(moduleId id, int cls, bool enable)
     storeClassState(id, cls, enable);
 }
 
-/// Classes whose normalized description begins with \a piece (lower case).
-std::vector<int> classesBeginningWith(moduleId id, const QString &piece) ZORVAN_REQUIRES(moduleTable().lock())
+/// Whether a text begins with one of \a beginnings, of which there may be many.
+bool beginsWithOneOf(const QSet<QString> &beginnings, const QString &text)
+{
+    for (int length = 1; length <= text.size(); ++length) {
+        if (beginnings.contains(text.left(length)))
+            return true;
+    }
+    return false;
+}
+
+/// Classes whose normalized description begins with one of \a beginnings (lower case).
+std::vector<int> classesBeginningWith(moduleId id, const QSet<QString> &beginnings)
+    ZORVAN_REQUIRES(moduleTable().lock())
 {
     std::vector<int> classes;
     const Module *const module = moduleTable().find(id);
     for (int cls = 0; module && cls < module->classes->count(); ++cls) {
-        if (getNormalizedName(fromLatin1(module->classes->text(cls))).toLower().startsWith(piece))
+        if (beginsWithOneOf(beginnings, getNormalizedName(fromLatin1(module->classes->text(cls))).toLower()))
             classes.push_back(cls);
     }
     return classes;
@@ -126,10 +138,8 @@ void Debug::enableClasses(moduleId module, const QString &names)
     }
     disableMessageClassType(module, everyClass);
     const QStringList pieces = wanted.split(QLatin1Char(','), Qt::SkipEmptyParts);
-    for (const QString &piece : pieces) {
-        for (const int cls : classesBeginningWith(module, piece))
-            enableMessageClassType(module, cls);
-    }
+    for (const int cls : classesBeginningWith(module, QSet<QString>(pieces.begin(), pieces.end())))
+        enableMessageClassType(module, cls);
 }
 
 QString Debug::getEnabledMessageClasses(moduleId id)

@@ -1,13 +1,18 @@
 #include "debug/outputfilter.h"
 
+#include "debug/patternlimits.h"
+
 #include <algorithm>
 
 namespace Zorvan {
 
-void OutputFilter::setPattern(const QString &pattern)
+bool OutputFilter::setPattern(const QString &pattern)
 {
-    m_expression.setPattern(pattern);
+    m_pattern = pattern;
+    m_isUsable = isAffordable(pattern);
+    m_expression.setPattern(m_isUsable ? pattern : QString());
     updateActive();
+    return m_isUsable;
 }
 
 void OutputFilter::setEntries(const QString &entries)
@@ -29,7 +34,7 @@ bool OutputFilter::passes(const QString &line, bool moduleNameShown) const
 /// A match at the very start of a line has never counted; existing filters rely on it.
 bool OutputFilter::passesPattern(const QString &line) const
 {
-    return m_expression.pattern().isEmpty() || m_expression.indexIn(line) > 0;
+    return m_pattern.isEmpty() || (m_isUsable && m_expression.indexIn(line) > 0);
 }
 
 bool OutputFilter::passesEntries(const QString &line, bool moduleNameShown) const
@@ -42,7 +47,7 @@ bool OutputFilter::passesEntries(const QString &line, bool moduleNameShown) cons
 
 void OutputFilter::updateActive()
 {
-    m_active = !m_expression.pattern().isEmpty() || !m_entryTexts.isEmpty();
+    m_active = !m_pattern.isEmpty() || !m_entryTexts.isEmpty();
 }
 
 } // namespace Zorvan

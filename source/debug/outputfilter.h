@@ -13,9 +13,10 @@ namespace Zorvan {
 class OutputFilter
 {
 public:
-    /// A regular expression; empty lets everything through.
-    void setPattern(const QString &pattern);
-    [[nodiscard]] QString pattern() const { return m_expression.pattern(); }
+    /// A regular expression; empty lets everything through. False: it is kept, but it costs too much to be
+    /// used, and lets nothing through, as an invalid one does.
+    bool setPattern(const QString &pattern);
+    [[nodiscard]] QString pattern() const { return m_pattern; }
     /// "module|text" entries joined by ';'; empty lets everything through.
     void setEntries(const QString &entries);
     [[nodiscard]] QString entries() const { return m_entryTexts.join(QLatin1Char(';')); }
@@ -34,7 +35,9 @@ private:
     [[nodiscard]] bool passesEntries(const QString &line, bool moduleNameShown) const;
     void updateActive();
 
+    QString m_pattern;
     QRegExp m_expression;
+    bool m_isUsable = true;
     QStringList m_entryTexts;
     std::vector<Entry> m_entries;
     bool m_active = false;

@@ -244,7 +244,9 @@ void Debug::clear()
 void Debug::setOutputFilter(const QString &pattern)
 {
     const TableLock guard;
-    outputPath().filter.setPattern(pattern);
+    if (!outputPath().filter.setPattern(pattern))
+        gyxLog("source/debug", __LINE__,
+               "++++ output filter of %d characters costs too much, no line passes\n", pattern.size());
 }
 
 QString Debug::getOutputFilter()
