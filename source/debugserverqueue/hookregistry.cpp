@@ -8,6 +8,8 @@ namespace Zorvan {
 
 namespace {
 
+constexpr std::ptrdiff_t mostThreads = 100; // clients far away trigger hooks, as often as they like
+
 bool has(const HookHandlers &handlers, const IHookInterface *handler)
 {
     return std::any_of(handlers.begin(), handlers.end(),
@@ -121,10 +123,14 @@ std::vector<std::string> HookRegistry::sortedKeys() const
     return keys;
 }
 
-void HookRegistry::addThread(const std::shared_ptr<QThread> &thread)
+bool HookRegistry::addThread(const std::shared_ptr<QThread> &thread)
 {
     const platform::Locked guard(m_lock);
+    const auto runs = [](const Thread &each) { return !each.hasEnded; };
+    if (std::count_if(m_threads.begin(), m_threads.end(), runs) >= mostThreads)
+        return false;
     m_threads.push_back({thread});
+    return true;
 }
 
 void HookRegistry::dropThread(const QThread *thread)

@@ -72,7 +72,8 @@ public:
     /// \name Threads, from before their start until they are joined
     /// @{
 
-    void addThread(const std::shared_ptr<QThread> &thread);
+    /// False: 100 of them run already.
+    [[nodiscard]] bool addThread(const std::shared_ptr<QThread> &thread);
     /// Forgets a thread that could not be started.
     void dropThread(const QThread *thread);
     /// The last thing that a thread does, but for passing its end on.

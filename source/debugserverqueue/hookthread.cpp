@@ -2,7 +2,8 @@
 
 #include "debugserverqueue/events.h"
 #include "debugserverqueue/guibridge.h"
-#include "host/tablestate.h"
+#include "debugserverqueue/librarynotice.h"
+#include "platform/descriptors.h"
 
 #include <utility>
 
@@ -11,6 +12,12 @@ namespace Zorvan {
 namespace {
 
 constexpr int triesBeforeSleep = 200;
+constexpr int spareDescriptors = 8; // threads that start at the same time need some each
+
+void reportNoThread()
+{
+    libraryNotice(QStringLiteral("++++ no thread could be started for a hook!"));
+}
 
 } // namespace
 
@@ -41,13 +48,17 @@ void startHookWorker(const std::shared_ptr<HookWorker> &worker)
         for (const std::shared_ptr<QThread> &ended : hookRegistry().takeEndedThreads())
             joinHookWorker(*ended);
     }
-    hookRegistry().addThread(worker);
+    // A thread of Qt that finds no descriptor for its event loop ends the process.
+    if (!platform::descriptorShortage(spareDescriptors).empty() || !hookRegistry().addThread(worker)) {
+        reportNoThread();
+        return;
+    }
     platform::handOver(worker.get());
     worker->start(); // it may have ended, and have been joined, before this returns
     if (worker->isRunning() || worker->isFinished())
         return;
     hookRegistry().dropThread(worker.get());
-    Debug::println(libraryModule, 0, QStringLiteral("++++ no thread could be started for a hook!"), 0);
+    reportNoThread();
 }
 
 // The thread has only a few steps to go: to sleep and be woken would take longer than they do.

@@ -6,7 +6,8 @@
 
 namespace Zorvan {
 
-/// Prints something that whoever watches the output should know. Any thread, with no lock held.
+/// Prints something that whoever watches the output should know: as critical, so that it shows unless the
+/// library's module is silenced. Any thread, with no lock held.
 inline void libraryNotice(const QString &text)
 {
     Debug::println(libraryModule, 0, text, 0);
