@@ -1,15 +1,24 @@
 #include "debugserverqueue/debugclientsocket.h"
 
 #include "debugserverqueue/debugserversocket.h"
+#include "platform/peersocket.h"
 
-#include <QScopedValueRollback>
+#include <QTimer>
+
+#include <utility>
 
 namespace Zorvan {
 
 namespace {
 
-constexpr int mostUnfinishedBytes = 1 << 20; // of a line
-constexpr qint64 mostUnsentBytes = qint64(64) << 20;
+using namespace std::chrono_literals;
+
+constexpr qint64 mebibyte = 1 << 20;
+constexpr qint64 mostUnfinishedBytes = mebibyte; // of a line
+constexpr qint64 unreadByDeafClient = 64 * mebibyte;
+constexpr qint64 mostUnread = 512 * mebibyte; // who lags so far behind never comes up
+constexpr auto patience = 500ms; // for a client that takes nothing
+constexpr auto lookAgainAfter = 100ms;
 
 } // namespace
 
@@ -27,26 +36,54 @@ bool DebugClientSocket::adopt(qintptr descriptor)
         return false;
     setReadBufferSize(mostUnfinishedBytes);
     setSocketOption(LowDelayOption, 1); // records go out as they are, a person waits for them
-    setSocketOption(KeepAliveOption, 1); // finds out about peers that vanished
     return true;
 }
 
-bool DebugClientSocket::isTooFarBehind() const
+// One batch may be larger than all limits, and its readers need their time for it.
+bool DebugClientSocket::isTooFarBehind()
 {
-    return bytesToWrite() > mostUnsentBytes;
+    const qint64 unread = bytesToWrite() - m_lastRecord;
+    const qint64 taken = m_appended - bytesToWrite();
+    if (unread <= unreadByDeafClient || taken > m_taken) {
+        m_taken = taken;
+        m_patience.setRemainingTime(patience);
+    }
+    return unread > mostUnread || (unread > unreadByDeafClient && m_patience.hasExpired());
 }
 
 // Writing to a socket without a connection would raise a warning, which becomes a line, which is sent again.
 void DebugClientSocket::append(const QByteArray &bytes)
 {
-    if (state() == ConnectedState)
-        write(bytes);
+    if (state() != ConnectedState)
+        return;
+    m_lastRecord = bytes.size();
+    m_appended += bytes.size();
+    write(bytes);
 }
 
 void DebugClientSocket::flushIfConnected()
 {
     if (state() == ConnectedState)
         flush();
+}
+
+void DebugClientSocket::closeDown(const QDeadlineTimer &end)
+{
+    disconnect();
+    flushIfConnected();
+    while (bytesToWrite() > 0 && !end.hasExpired()
+           && waitForBytesWritten(static_cast<int>(end.remainingTime()))) {}
+    if (state() == ConnectedState)
+        platform::shutDown(socketDescriptor()); // a process made by fork() may still have it
+    abort();
+    deleteWhenIdle();
+}
+
+void DebugClientSocket::deleteWhenIdle()
+{
+    m_isForgotten = true;
+    if (!m_isExecuting)
+        deleteLater();
 }
 
 void DebugClientSocket::connectionClosed()
@@ -56,16 +93,34 @@ void DebugClientSocket::connectionClosed()
 
 void DebugClientSocket::dataReady()
 {
-    if (m_isExecuting)
+    if (std::exchange(m_isExecuting, true))
         return;
-    const QScopedValueRollback<bool> executing(m_isExecuting, true);
     const DebugServerSocket::Activity activity(m_server);
+    executeLines();
+    m_isExecuting = false;
+    if (m_isForgotten)
+        deleteLater();
+}
+
+void DebugClientSocket::executeLines()
+{
     while (m_server.canExecute()) {
         const QByteArray lines = takeLines();
         if (lines.isEmpty())
             return;
         m_server.execute(lines);
     }
+    lookAgain();
+}
+
+void DebugClientSocket::lookAgain()
+{
+    if (std::exchange(m_looksAgain, true))
+        return;
+    QTimer::singleShot(lookAgainAfter, this, [this] {
+        m_looksAgain = false;
+        dataReady();
+    });
 }
 
 /// All complete lines that have come; empty if there is none.

@@ -77,12 +77,20 @@ void DebugServerQueue::timeout()
 {
     const QPointer<DebugServerQueue> kept(this);
     guibridge::readOutputSettings();
-    if (!kept || guibridge::queueHere() != this)
+    if (kept && isInUse())
+        m_remoteAccess.dropLaggards();
+    if (!kept || !isInUse())
         return; // the lines belong to its successor
     if (!m_remoteAccess.hasClients())
         guibridge::deliverLines(m_batch);
     else if (guibridge::takeLines(m_batch))
         m_remoteAccess.send(m_batch);
+}
+
+/// Code of the host, which the queue leads into, may have ended the library and even started it again.
+bool DebugServerQueue::isInUse() const
+{
+    return guibridge::queueHere() == this;
 }
 
 void DebugServerQueue::deliverLastLines()
@@ -95,8 +103,7 @@ void DebugServerQueue::deliverLastLines()
 
 void DebugServerQueue::closeRemoteAccess()
 {
-    if (RemoteAccess::isAllowed())
-        m_remoteAccess.close();
+    m_remoteAccess.closeDetached();
 }
 
 // As a filter of the application it sees the events of all objects, and numbers of its events may mean
@@ -176,6 +183,7 @@ void DebugServerQueue::armTimer()
 
 void DebugServerQueue::openOrCloseServer(bool allowed)
 {
+    m_clientsWanted = allowed;
     if (allowed == RemoteAccess::isAllowed())
         return;
     if (!allowed) {
@@ -184,7 +192,7 @@ void DebugServerQueue::openOrCloseServer(bool allowed)
     }
     const QPointer<DebugServerQueue> kept(this);
     const ServerPlace place = ServerPlace::read();
-    if (kept && guibridge::queueHere() == this && !RemoteAccess::isAllowed())
+    if (kept && isInUse() && m_clientsWanted && !RemoteAccess::isAllowed())
         m_remoteAccess.open(place);
 }
 

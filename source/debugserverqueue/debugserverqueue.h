@@ -38,7 +38,7 @@ public:
 
     /// Delivers the last lines before the queue is detached. Calls nobody: locks may be held.
     void deliverLastLines();
-    /// Closes the port for good: the queue's successor opens it again.
+    /// Closes the port of a queue that is detached: its successor may want it.
     void closeRemoteAccess();
 
     /// A host may call it when its event loop is up; otherwise the queue finds out by its first event.
@@ -53,10 +53,12 @@ private:
     void start();
     void armTimer();
     void openOrCloseServer(bool allowed);
+    [[nodiscard]] bool isInUse() const;
 
     bool m_isStarted = false;
     std::unique_ptr<QTimer> m_flushTimer;
     std::unique_ptr<BoxPresenter> m_boxes;
+    bool m_clientsWanted = false; ///< the last request
     RemoteAccess m_remoteAccess;
     std::string m_batch; ///< its memory goes back and forth between this and the lines that wait
 };

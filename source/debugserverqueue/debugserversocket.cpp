@@ -4,9 +4,12 @@
 #include "debugserverqueue/debugxmlparser.h"
 #include "debugserverqueue/greeting.h"
 #include "debugserverqueue/librarynotice.h"
+#include "platform/descriptors.h"
+#include "platform/peersocket.h"
 
 #include <zorvan/debug.h>
 
+#include <QDeadlineTimer>
 #include <QNetworkProxy>
 #include <QTimer>
 
@@ -20,7 +23,11 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr int mostRunningUnits = 16; // inside each other: each one has its event loop on the stack
+constexpr int spareDescriptors = 16; // clients leave them to the host, for its files and threads
 constexpr auto acceptPause = 100ms; // the shortage of descriptors will hardly be over sooner
+constexpr auto lastWait = 300ms; // for all clients to take the last records
+
+int s_runningUnits = 0; // of all servers: a server may be closed and opened again below a unit
 
 } // namespace
 
@@ -32,21 +39,20 @@ DebugServerSocket::Activity::Activity(DebugServerSocket &server)
 
 DebugServerSocket::Activity::~Activity()
 {
-    if (--m_server.m_activities > 0)
-        return;
-    m_server.deleteForgotten();
-    if (m_server.m_isClosed)
+    if (--m_server.m_activities == 0 && m_server.m_isClosed)
         m_server.deleteLater();
 }
 
 DebugServerSocket::DebugServerSocket(quint16 port, const QHostAddress &address, QObject *parent)
     : QTcpServer(parent)
 {
-    // Not in incomingConnection(): the code that calls it needs the server afterwards.
-    connect(this, &QTcpServer::newConnection, this, &DebugServerSocket::welcomeArrivals);
-    connect(this, &QTcpServer::acceptError, this, &DebugServerSocket::pauseAfterError);
     setProxy(QNetworkProxy::NoProxy); // a host's proxy is for what it fetches
-    listen(address, port);
+    if (!listen(address, port))
+        return;
+    // QTcpServer itself does not notice that it runs out of descriptors: it would try again without a pause.
+    pauseAccepting();
+    m_notifier = std::make_unique<QSocketNotifier>(socketDescriptor(), QSocketNotifier::Read);
+    connect(m_notifier.get(), &QSocketNotifier::activated, this, &DebugServerSocket::acceptClient);
 }
 
 DebugServerSocket::~DebugServerSocket()
@@ -61,6 +67,31 @@ void DebugServerSocket::Disposal::operator()(DebugServerSocket *server) const
         delete server;
 }
 
+/// One at each turn of the event loop, however many wait.
+void DebugServerSocket::acceptClient()
+{
+    const Activity activity(*this);
+    const std::string shortage = platform::descriptorShortage(spareDescriptors);
+    if (!shortage.empty()) {
+        pauseAfter(shortage);
+        return;
+    }
+    const platform::Accepted accepted = platform::acceptPeer(socketDescriptor());
+    if (!accepted.fault.empty())
+        pauseAfter(accepted.fault);
+    else if (accepted.socket >= 0)
+        incomingConnection(accepted.socket);
+}
+
+void DebugServerSocket::pauseAfter(const std::string &fault)
+{
+    m_notifier->setEnabled(false);
+    QTimer::singleShot(acceptPause, this, [this] { m_notifier->setEnabled(!m_isClosed); });
+    if (std::exchange(m_acceptsAgain, false))
+        libraryNotice(QStringLiteral("++++ remote access: cannot accept a client: ")
+                      + QString::fromStdString(fault));
+}
+
 void DebugServerSocket::incomingConnection(qintptr descriptor)
 {
     auto *const client = new DebugClientSocket(*this);
@@ -68,53 +99,38 @@ void DebugServerSocket::incomingConnection(qintptr descriptor)
         delete client;
         return;
     }
-    connect(client, &DebugClientSocket::socketClosed, this, &DebugServerSocket::socketClosed);
-    m_arrivals.push_back(client);
-}
-
-void DebugServerSocket::welcomeArrivals()
-{
-    const Activity activity(*this);
     m_acceptsAgain = true;
-    while (!m_arrivals.empty()) {
-        DebugClientSocket *const client = m_arrivals.front();
-        m_arrivals.erase(m_arrivals.begin());
-        welcome(client);
-    }
-}
-
-void DebugServerSocket::welcome(DebugClientSocket *client)
-{
+    connect(client, &DebugClientSocket::socketClosed, this, &DebugServerSocket::socketClosed);
     m_clients.push_back(client);
     client->append(greeting());
     Debug::setClientCount(clientCount());
     client->flushIfConnected();
 }
 
-void DebugServerSocket::pauseAfterError()
-{
-    const Activity activity(*this);
-    QTimer::singleShot(acceptPause, this, &QTcpServer::resumeAccepting);
-    if (std::exchange(m_acceptsAgain, false))
-        libraryNotice(QStringLiteral("++++ remote access: cannot accept a client: ") + errorString());
-}
-
 void DebugServerSocket::socketClosed(DebugClientSocket *client)
 {
     const Activity activity(*this);
-    m_arrivals.erase(std::remove(m_arrivals.begin(), m_arrivals.end(), client), m_arrivals.end());
     const auto found = std::find(m_clients.begin(), m_clients.end(), client);
-    m_forgotten.push_back(client);
     if (found == m_clients.end())
         return;
     m_clients.erase(found);
     Debug::setClientCount(clientCount());
+    client->deleteWhenIdle();
 }
 
-void DebugServerSocket::deleteForgotten()
+/// For loops in which clients may leave and be deleted.
+std::vector<QPointer<DebugClientSocket>> DebugServerSocket::presentClients() const
 {
-    for (DebugClientSocket *const client : std::exchange(m_forgotten, {}))
-        client->deleteLater(); // Qt's own code may be at work in it
+    return {m_clients.begin(), m_clients.end()};
+}
+
+void DebugServerSocket::dropLaggards()
+{
+    const Activity activity(*this);
+    for (const QPointer<DebugClientSocket> &client : presentClients()) {
+        if (client && client->isTooFarBehind())
+            drop(*client, QStringLiteral("it does not read its output"));
+    }
 }
 
 void DebugServerSocket::append(QByteArray record)
@@ -127,18 +143,11 @@ void DebugServerSocket::append(QByteArray record)
 void DebugServerSocket::send(QByteArray record)
 {
     const Activity activity(*this);
-    for (DebugClientSocket *const client : Clients(m_clients)) {
-        if (client->isTooFarBehind())
-            drop(*client, QStringLiteral("it does not read its output"));
+    append(std::move(record)); // to all before one of them may leave
+    for (const QPointer<DebugClientSocket> &client : presentClients()) {
+        if (client)
+            client->flushIfConnected();
     }
-    append(std::move(record)); // to all before anything of the host can come in between
-    flushAll();
-}
-
-void DebugServerSocket::flushAll()
-{
-    for (DebugClientSocket *const client : Clients(m_clients)) // one that has gone leaves the list meanwhile
-        client->flushIfConnected();
 }
 
 void DebugServerSocket::drop(DebugClientSocket &client, const QString &reason)
@@ -154,50 +163,35 @@ void DebugServerSocket::drop(DebugClientSocket &client, const QString &reason)
 
 bool DebugServerSocket::canExecute() const
 {
-    return m_runningUnits < mostRunningUnits && !m_isClosed;
+    return s_runningUnits < mostRunningUnits && !m_isClosed;
 }
 
 void DebugServerSocket::execute(const QByteArray &lines)
 {
-    const QString unit = QString::fromUtf8(lines);
+    const QString unit = QString::fromUtf8(lines.constData(), lines.size()); // also behind a NUL
     if (unit.trimmed().isEmpty())
         return;
     const Activity activity(*this);
+    dropLaggards();
     send("<clientMessage>" + unit.toLatin1() + "</clientMessage>");
-    runUnit(unit);
-}
-
-void DebugServerSocket::runUnit(const QString &unit)
-{
-    const bool wasLast = ++m_runningUnits == mostRunningUnits;
+    ++s_runningUnits;
     DebugXmlParser parser(unit);
     while (!m_isClosed && parser.executeNext()) {}
-    --m_runningUnits;
-    if (wasLast)
-        askAgain();
+    --s_runningUnits;
 }
 
-/// For the clients that could not execute anything meanwhile.
-void DebugServerSocket::askAgain()
-{
-    for (DebugClientSocket *const client : m_clients)
-        QMetaObject::invokeMethod(client, &DebugClientSocket::dataReady, Qt::QueuedConnection);
-}
-
-/// What happens to the connections from here on is nobody's business.
 void DebugServerSocket::closeDown()
 {
     m_isClosed = true;
-    close();
-    for (const Clients *const list : {&m_arrivals, &m_clients, &m_forgotten}) {
-        for (DebugClientSocket *const client : *list) {
-            client->disconnect();
-            client->flushIfConnected();
-            client->abort();
-        }
+    if (m_notifier) {
+        m_notifier->setEnabled(false);
+        platform::shutDown(socketDescriptor()); // a process made by fork() may still have it
+        m_notifier = nullptr;
     }
-    m_arrivals.clear();
-    m_clients.clear();
+    close();
+    const QDeadlineTimer end(lastWait);
+    for (DebugClientSocket *const client : std::exchange(m_clients, {}))
+        client->closeDown(end);
 }
 
 } // namespace Zorvan

@@ -2,9 +2,12 @@
 
 #include <QByteArray>
 #include <QHostAddress>
+#include <QPointer>
+#include <QSocketNotifier>
 #include <QTcpServer>
 
 #include <memory>
+#include <string>
 #include <vector>
 
 namespace Zorvan {
@@ -27,8 +30,8 @@ public:
                                QObject *parent = nullptr);
     ~DebugServerSocket() override;
 
-    /// Stops listening and closes all connections, after what was sent to them went out as far as the network
-    /// takes it at once. The server is deleted as soon as nothing runs in it any more.
+    /// Stops listening and closes all connections. What was sent to them goes out before, as far as they take
+    /// it within 300 ms. The server is deleted as soon as nothing runs in it any more.
     struct Disposal
     {
         void operator()(DebugServerSocket *server) const;
@@ -36,15 +39,16 @@ public:
     using Owner = std::unique_ptr<DebugServerSocket, Disposal>;
 
     [[nodiscard]] int clientCount() const { return static_cast<int>(m_clients.size()); }
+    /// Drops the clients that do not read what they are sent, with a notice each.
+    void dropLaggards();
     /// Sends a record to every client. Lines in it are separated by line feeds.
     void send(QByteArray record);
-    /// The same, but what the network takes goes out later: calls nobody, so that locks may be held.
+    /// The same, but it goes out later. Calls nobody: locks may be held.
     void append(QByteArray record);
 
     /// Echoes what a client sent, one or more complete lines, and executes it as one unit.
     void execute(const QByteArray &lines);
-    /// False while so many units wait for the loops of their boxes that further ones must wait, too. Their
-    /// sockets are asked for them again later.
+    /// False while so many units wait for the loops of their boxes that further ones must wait, too.
     [[nodiscard]] bool canExecute() const;
 
     /// Closes the connection of a client and prints a notice.
@@ -53,8 +57,7 @@ public:
     /// Forgets a client whose connection has ended.
     Q_SLOT void socketClosed(DebugClientSocket *client);
 
-    /// While one exists, neither the server nor any of its sockets is deleted. For every function that may
-    /// lead into code of the host.
+    /// While one exists the server is not deleted. For every function that may lead into code of the host.
     class Activity
     {
     public:
@@ -71,22 +74,14 @@ protected:
     void incomingConnection(qintptr descriptor) override;
 
 private:
-    using Clients = std::vector<DebugClientSocket *>;
-
-    void welcomeArrivals();
-    void welcome(DebugClientSocket *client);
-    void pauseAfterError();
-    void flushAll();
-    void runUnit(const QString &unit);
-    void askAgain();
+    void acceptClient();
+    void pauseAfter(const std::string &fault);
+    [[nodiscard]] std::vector<QPointer<DebugClientSocket>> presentClients() const;
     void closeDown();
-    void deleteForgotten();
 
-    Clients m_arrivals; ///< connected, not greeted
-    Clients m_clients; ///< in the order of their acceptance
-    Clients m_forgotten; ///< their connections have ended
+    std::unique_ptr<QSocketNotifier> m_notifier; ///< tells that a client waits
+    std::vector<DebugClientSocket *> m_clients; ///< in the order of their acceptance
     int m_activities = 0;
-    int m_runningUnits = 0;
     bool m_isClosed = false;
     bool m_acceptsAgain = true; ///< false from a failed accept to the next client
 };

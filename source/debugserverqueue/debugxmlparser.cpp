@@ -60,7 +60,7 @@ void executeHook(const Attributes &attributes)
 
 void executeFilter(const Attributes &attributes)
 {
-    if (!has(attributes, "module"))
+    if (!has(attributes, "module") || !(has(attributes, "level") || has(attributes, "classes")))
         return;
     const moduleId module = moduleWith(valueOf(attributes, "module"));
     if (module < 0)
@@ -108,7 +108,10 @@ const Command *commandNamed(const QStringRef &name)
 
 DebugXmlParser::DebugXmlParser(const QString &unit)
     : m_reader(harmlessPart(unit))
-{}
+{
+    // Commands have no namespaces, and looking one up takes longer the more there are around an element.
+    m_reader.setNamespaceProcessing(false);
+}
 
 bool DebugXmlParser::executeNext()
 {

@@ -139,8 +139,11 @@ bool takeRetired(DebugServerQueue *queue)
 void deleteLater(DebugServerQueue *queue)
 {
     const Locked guard(road().handOver);
-    if (std::find(road().retired.begin(), road().retired.end(), queue) != road().retired.end())
-        queue->deleteLater();
+    if (std::find(road().retired.begin(), road().retired.end(), queue) == road().retired.end())
+        return;
+    // A host that only handles events now and then, without a loop, never gets to the deletion.
+    QMetaObject::invokeMethod(queue, &DebugServerQueue::closeRemoteAccess, Qt::QueuedConnection);
+    queue->deleteLater();
 }
 
 void deliverLastLines()

@@ -1,5 +1,6 @@
 #include "debugserverqueue/remoteaccess.h"
 
+#include "debugserverqueue/guibridge.h"
 #include "debugserverqueue/librarynotice.h"
 #include "host/hosthandlers.h"
 
@@ -90,6 +91,12 @@ void RemoteAccess::open(const ServerPlace &place)
         reportChosenPort(m_server->serverAddress(), m_server->serverPort());
 }
 
+void RemoteAccess::dropLaggards()
+{
+    if (m_server)
+        m_server->dropLaggards();
+}
+
 void RemoteAccess::send(const std::string &lines)
 {
     m_server->send(recordOf(lines));
@@ -105,6 +112,15 @@ void RemoteAccess::close()
     s_isAllowed.store(false);
     m_server.reset();
     Debug::setClientCount(0);
+}
+
+void RemoteAccess::closeDetached()
+{
+    if (m_server == nullptr)
+        return;
+    m_server.reset();
+    if (!guibridge::queueExists())
+        Debug::setClientCount(0);
 }
 
 } // namespace Zorvan

@@ -33,8 +33,12 @@ public:
     /// Prints a notice if the place is no good. Printing may end the library, this object included.
     void open(const ServerPlace &place);
     void close();
+    /// The same for a queue that is not in use any more: leaves alone what its successor has set.
+    void closeDetached();
 
     [[nodiscard]] bool hasClients() const { return m_server && m_server->clientCount() > 0; }
+    /// Drops the clients that do not read. Printing the notices may end the library, this object included.
+    void dropLaggards();
     /// Sends a batch of lines to all clients. With clients only.
     void send(const std::string &lines);
     /// The same, but it only goes out with the next batch or at the end. Calls nobody: locks may be held.

@@ -6,7 +6,8 @@ namespace {
 
 constexpr int mostAttributes = 100;
 
-/// A walk through the markup of a text. It takes wrong what is not well-formed: there the reader stops, too.
+/// A walk through the markup of a text. It may misjudge what is not well-formed: the reader stops there
+/// anyway.
 class Markup
 {
 public:
@@ -22,9 +23,9 @@ public:
     }
     [[nodiscard]] int position() const { return m_at; }
 
-    /// Goes behind a comment, a CDATA section, a processing instruction or a tag. False, at the same place:
-    /// it is not harmless.
-    bool skip()
+    /// Goes behind a comment, a CDATA section, a processing instruction or a tag. False, and it stays where
+    /// it is, if it is none of them or a tag with too many attributes.
+    bool skipHarmless()
     {
         if (startsWith("<!--"))
             return skipBehind("-->", 4);
@@ -76,7 +77,7 @@ QString harmlessPart(const QString &unit)
 {
     Markup markup(unit);
     while (markup.find()) {
-        if (!markup.skip())
+        if (!markup.skipHarmless())
             return unit.left(markup.position());
     }
     return unit;

@@ -1,17 +1,22 @@
+#include "platform/peersocket.h"
 #include "platform/socketcalls_p.h"
 
 #include <algorithm>
 #include <arpa/inet.h>
 #include <cerrno>
 #include <climits>
+#include <cstring>
 #include <fcntl.h>
 #include <netinet/in.h>
+#include <netinet/tcp.h>
 #include <poll.h>
 #include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
-namespace Zorvan::platform::socketcalls {
+namespace Zorvan::platform {
+
+namespace socketcalls {
 namespace {
 
 using std::chrono::milliseconds;
@@ -176,4 +181,40 @@ SocketState lastState()
     }
 }
 
-} // namespace Zorvan::platform::socketcalls
+} // namespace socketcalls
+
+namespace {
+
+/// Has the system find out about a peer that has vanished: while nothing is sent to it, by itself.
+void askForLife(std::intptr_t socket)
+{
+    const auto set = [=](int layer, int option, int value) {
+        setsockopt(socketcalls::descriptor(socket), layer, option, &value, sizeof(value));
+    };
+    set(SOL_SOCKET, SO_KEEPALIVE, 1);
+    set(IPPROTO_TCP, TCP_KEEPIDLE, 60); // seconds
+    set(IPPROTO_TCP, TCP_KEEPINTVL, 10);
+    set(IPPROTO_TCP, TCP_KEEPCNT, 6);
+}
+
+} // namespace
+
+void shutDown(std::intptr_t socket)
+{
+    socketcalls::shutDown(socket);
+}
+
+Accepted acceptPeer(std::intptr_t listening)
+{
+    Accepted accepted;
+    accepted.socket = socketcalls::repeatInterrupted([=] {
+        return accept4(socketcalls::descriptor(listening), nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK);
+    });
+    if (accepted.socket >= 0)
+        askForLife(accepted.socket);
+    else if (errno != EAGAIN && errno != ECONNABORTED)
+        accepted.fault = std::strerror(errno);
+    return accepted;
+}
+
+} // namespace Zorvan::platform

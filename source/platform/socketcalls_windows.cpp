@@ -1,11 +1,16 @@
+#include "platform/peersocket.h"
 #include "platform/socketcalls_p.h"
 
 #include <algorithm>
 #include <climits>
 #include <winsock2.h>
 #include <ws2tcpip.h>
+// Only after those
+#include <mstcpip.h>
 
-namespace Zorvan::platform::socketcalls {
+namespace Zorvan::platform {
+
+namespace socketcalls {
 namespace {
 
 using std::chrono::milliseconds;
@@ -185,4 +190,41 @@ SocketState lastState()
     }
 }
 
-} // namespace Zorvan::platform::socketcalls
+} // namespace socketcalls
+
+namespace {
+
+/// Has the system find out about a peer that has vanished: while nothing is sent to it, by itself.
+void askForLife(std::intptr_t socket)
+{
+    tcp_keepalive settings{1, 60000, 10000}; // milliseconds
+    DWORD length = 0;
+    WSAIoctl(socketcalls::nativeSocket(socket), SIO_KEEPALIVE_VALS, &settings, sizeof(settings), nullptr, 0,
+             &length, nullptr, nullptr);
+}
+
+} // namespace
+
+void shutDown(std::intptr_t socket)
+{
+    socketcalls::shutDown(socket);
+}
+
+Accepted acceptPeer(std::intptr_t listening)
+{
+    Accepted accepted;
+    const SOCKET socket = ::accept(socketcalls::nativeSocket(listening), nullptr, nullptr);
+    if (socket == INVALID_SOCKET) {
+        const int error = WSAGetLastError();
+        if (error != WSAEWOULDBLOCK && error != WSAECONNRESET)
+            accepted.fault = "error " + std::to_string(error);
+        return accepted;
+    }
+    accepted.socket = static_cast<std::intptr_t>(socket);
+    SetHandleInformation(reinterpret_cast<HANDLE>(socket), HANDLE_FLAG_INHERIT, 0);
+    socketcalls::setBlocking(accepted.socket, false);
+    askForLife(accepted.socket);
+    return accepted;
+}
+
+} // namespace Zorvan::platform
