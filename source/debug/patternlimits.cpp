@@ -11,6 +11,7 @@ namespace {
 
 constexpr std::size_t greatestDepth = 50;
 constexpr qint64 greatestWeight = 10000;
+constexpr qint64 openEnded = 30; // "*", "+", "?", back references: what may match in several ways
 
 /// Weighs an expression by the characters that it consists of when all repetitions are written out. It need
 /// not be exact.
@@ -39,12 +40,18 @@ private:
             add(std::max<qint64>(m_weight, 1), m_outer.back());
             m_outer.pop_back();
         } else {
-            if (character == QLatin1Char('\\'))
-                ++m_at;
-            else if (character == QLatin1Char('['))
-                skipBehind(QLatin1Char(']'));
-            add(1, m_weight);
+            add(weightOf(character), m_weight);
         }
+    }
+
+    /// Goes behind an atom that begins with \a character.
+    qint64 weightOf(QChar character)
+    {
+        if (character == QLatin1Char('['))
+            skipBehind(QLatin1Char(']'));
+        if (character != QLatin1Char('\\') || m_at >= m_pattern.size())
+            return 1;
+        return m_pattern[m_at++].isDigit() ? openEnded : 1;
     }
 
     /// An atom, with the repetition that follows it.
@@ -52,7 +59,12 @@ private:
 
     qint64 repetition()
     {
-        if (m_at >= m_pattern.size() || m_pattern[m_at] != QLatin1Char('{'))
+        const QChar next = m_at < m_pattern.size() ? m_pattern[m_at] : QChar();
+        if (next == QLatin1Char('*') || next == QLatin1Char('+') || next == QLatin1Char('?')) {
+            ++m_at;
+            return openEnded;
+        }
+        if (next != QLatin1Char('{'))
             return 1;
         const int begin = m_at + 1;
         skipBehind(QLatin1Char('}'));

@@ -11,6 +11,7 @@
 
 #include <QDeadlineTimer>
 #include <QNetworkProxy>
+#include <QPointer>
 #include <QTimer>
 
 #include <algorithm>
@@ -26,6 +27,8 @@ constexpr int mostRunningUnits = 16; // inside each other: each one has its even
 constexpr int spareDescriptors = 16; // clients leave them to the host, for its files and threads
 constexpr auto acceptPause = 100ms; // the shortage of descriptors will hardly be over sooner
 constexpr auto lastWait = 300ms; // for all clients to take the last records
+
+using Guarded = std::vector<QPointer<DebugClientSocket>>;
 
 int s_runningUnits = 0; // of all servers: a server may be closed and opened again below a unit
 
@@ -113,21 +116,20 @@ void DebugServerSocket::socketClosed(DebugClientSocket *client)
     const auto found = std::find(m_clients.begin(), m_clients.end(), client);
     if (found == m_clients.end())
         return;
+    if (m_isSending) {
+        m_leaving.push_back(client);
+        return;
+    }
     m_clients.erase(found);
     Debug::setClientCount(clientCount());
     client->deleteWhenIdle();
 }
 
-/// For loops in which clients may leave and be deleted.
-std::vector<QPointer<DebugClientSocket>> DebugServerSocket::presentClients() const
-{
-    return {m_clients.begin(), m_clients.end()};
-}
-
 void DebugServerSocket::dropLaggards()
 {
     const Activity activity(*this);
-    for (const QPointer<DebugClientSocket> &client : presentClients()) {
+    // Each notice may lead to anything, also to the end of clients.
+    for (const QPointer<DebugClientSocket> &client : Guarded(m_clients.begin(), m_clients.end())) {
         if (client && client->isTooFarBehind())
             drop(*client, QStringLiteral("it does not read its output"));
     }
@@ -137,17 +139,22 @@ void DebugServerSocket::append(QByteArray record)
 {
     record += "\r\n";
     for (DebugClientSocket *const client : m_clients)
-        client->append(record); // they share it until it is sent
+        client->append(record);
 }
 
+// Flushed one by one: copies of a large batch for all clients at once would cost fresh memory each time.
 void DebugServerSocket::send(QByteArray record)
 {
     const Activity activity(*this);
-    append(std::move(record)); // to all before one of them may leave
-    for (const QPointer<DebugClientSocket> &client : presentClients()) {
-        if (client)
-            client->flushIfConnected();
+    record += "\r\n";
+    m_isSending = true; // the list only grows, and nobody is called before all clients have the record
+    for (std::size_t i = 0; i < m_clients.size(); ++i) {
+        m_clients[i]->append(record);
+        m_clients[i]->flushIfConnected();
     }
+    m_isSending = false;
+    for (DebugClientSocket *const client : std::exchange(m_leaving, {}))
+        socketClosed(client);
 }
 
 void DebugServerSocket::drop(DebugClientSocket &client, const QString &reason)

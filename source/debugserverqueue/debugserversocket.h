@@ -2,7 +2,6 @@
 
 #include <QByteArray>
 #include <QHostAddress>
-#include <QPointer>
 #include <QSocketNotifier>
 #include <QTcpServer>
 
@@ -76,12 +75,13 @@ protected:
 private:
     void acceptClient();
     void pauseAfter(const std::string &fault);
-    [[nodiscard]] std::vector<QPointer<DebugClientSocket>> presentClients() const;
     void closeDown();
 
     std::unique_ptr<QSocketNotifier> m_notifier; ///< tells that a client waits
     std::vector<DebugClientSocket *> m_clients; ///< in the order of their acceptance
+    std::vector<DebugClientSocket *> m_leaving; ///< their connections ended while a record was sent
     int m_activities = 0;
+    bool m_isSending = false;
     bool m_isClosed = false;
     bool m_acceptsAgain = true; ///< false from a failed accept to the next client
 };
