@@ -5,6 +5,7 @@
 
 #include <QTimer>
 
+#include <algorithm>
 #include <utility>
 
 namespace Zorvan {
@@ -17,6 +18,7 @@ constexpr qint64 mebibyte = 1 << 20;
 constexpr qint64 mostUnfinishedBytes = mebibyte; // of a line
 constexpr qint64 unreadByDeafClient = 64 * mebibyte;
 constexpr qint64 mostUnread = 512 * mebibyte; // who lags so far behind never comes up
+constexpr int largestPiece = 65536; // bytes handed to QTcpSocket
 constexpr auto patience = 500ms; // for a client that takes nothing
 constexpr auto lookAgainAfter = 100ms;
 
@@ -28,6 +30,7 @@ DebugClientSocket::DebugClientSocket(DebugServerSocket &server)
 {
     connect(this, &QAbstractSocket::disconnected, this, &DebugClientSocket::connectionClosed);
     connect(this, &QIODevice::readyRead, this, &DebugClientSocket::dataReady);
+    connect(this, &QIODevice::bytesWritten, this, &DebugClientSocket::sendWaiting);
 }
 
 bool DebugClientSocket::adopt(qintptr descriptor)
@@ -42,8 +45,8 @@ bool DebugClientSocket::adopt(qintptr descriptor)
 // One batch may be larger than all limits, and its readers need their time for it.
 bool DebugClientSocket::isTooFarBehind()
 {
-    const qint64 unread = bytesToWrite() - m_lastRecord;
-    const qint64 taken = m_appended - bytesToWrite();
+    const qint64 unread = unsentBytes() - m_lastRecord;
+    const qint64 taken = m_sent - unsentBytes();
     if (unread <= unreadByDeafClient || taken > m_taken) {
         m_taken = taken;
         m_patience.setRemainingTime(patience);
@@ -52,27 +55,45 @@ bool DebugClientSocket::isTooFarBehind()
 }
 
 // Writing to a socket without a connection would raise a warning, which becomes a line, which is sent again.
-void DebugClientSocket::append(const QByteArray &bytes)
+void DebugClientSocket::send(const QByteArray &bytes)
 {
     if (state() != ConnectedState)
         return;
+    m_sent += bytes.size();
     m_lastRecord = bytes.size();
-    m_appended += bytes.size();
-    write(bytes);
+    m_waitingBytes += bytes.size();
+    m_waiting.push_back(bytes);
+    sendWaiting();
 }
 
-void DebugClientSocket::flushIfConnected()
+/// Straight to the system. QTcpSocket, which would copy everything, gets no more than one piece of what the
+/// system does not take, and tells when that has gone. It also finds out about errors.
+void DebugClientSocket::sendWaiting()
 {
-    if (state() == ConnectedState)
-        flush();
+    while (!m_waiting.empty() && bytesToWrite() == 0 && state() == ConnectedState) {
+        const QByteArray &first = m_waiting.front();
+        m_sentOfFirst += platform::sendAtOnce(socketDescriptor(), first.constData() + m_sentOfFirst,
+                                              first.size() - m_sentOfFirst);
+        if (m_sentOfFirst < first.size()) {
+            const int piece = std::min(first.size() - m_sentOfFirst, largestPiece);
+            write(first.constData() + m_sentOfFirst, piece);
+            m_sentOfFirst += piece;
+        }
+        if (m_sentOfFirst == first.size()) {
+            m_waitingBytes -= first.size();
+            m_waiting.pop_front();
+            m_sentOfFirst = 0;
+        }
+    }
 }
 
 void DebugClientSocket::closeDown(const QDeadlineTimer &end)
 {
     disconnect();
-    flushIfConnected();
-    while (bytesToWrite() > 0 && !end.hasExpired()
-           && waitForBytesWritten(static_cast<int>(end.remainingTime()))) {}
+    sendWaiting();
+    while (unsentBytes() > 0 && !end.hasExpired()
+           && waitForBytesWritten(static_cast<int>(end.remainingTime())))
+        sendWaiting();
     if (state() == ConnectedState)
         platform::shutDown(socketDescriptor()); // a process made by fork() may still have it
     abort();
@@ -82,6 +103,7 @@ void DebugClientSocket::closeDown(const QDeadlineTimer &end)
 void DebugClientSocket::deleteWhenIdle()
 {
     m_isForgotten = true;
+    m_waiting.clear();
     if (!m_isExecuting)
         deleteLater();
 }

@@ -4,6 +4,8 @@
 #include <QDeadlineTimer>
 #include <QTcpSocket>
 
+#include <deque>
+
 namespace Zorvan {
 
 class DebugServerSocket;
@@ -22,9 +24,9 @@ public:
     /// Whether the client has left 64 MiB unread and takes nothing of it, or has left so much unread that it
     /// does not matter what it takes.
     [[nodiscard]] bool isTooFarBehind();
-    /// Sends bytes with the next flush; nothing if the connection has ended. Calls nobody.
-    void append(const QByteArray &bytes);
-    void flushIfConnected();
+    /// Sends bytes as soon as the client takes them, and now if it does; nothing if the connection has ended.
+    /// Calls nobody: locks may be held.
+    void send(const QByteArray &bytes);
 
     /// Closes the connection without telling anybody. Waits until \a end for the client to take what was
     /// sent.
@@ -38,15 +40,20 @@ public:
     Q_SLOT void dataReady();
 
 private:
+    [[nodiscard]] qint64 unsentBytes() const { return m_waitingBytes - m_sentOfFirst + bytesToWrite(); }
+    void sendWaiting();
     void executeLines();
     void lookAgain();
     [[nodiscard]] QByteArray takeLines();
 
     DebugServerSocket &m_server;
     QByteArray m_received; ///< of a line whose end has not come
-    qint64 m_appended = 0; ///< bytes so far
-    qint64 m_lastRecord = 0; ///< bytes of the record appended last
-    qint64 m_taken = 0; ///< bytes that had gone out when the client last took something
+    std::deque<QByteArray> m_waiting; ///< records that the client has not taken; shared with other clients
+    int m_sentOfFirst = 0; ///< bytes of the first one that were sent
+    qint64 m_waitingBytes = 0; ///< of all of them, the first one whole
+    qint64 m_lastRecord = 0; ///< bytes of the record sent last
+    qint64 m_sent = 0; ///< bytes so far
+    qint64 m_taken = 0; ///< bytes that the client had taken when it was last seen to take something
     QDeadlineTimer m_patience; ///< from then on
     bool m_isExecuting = false;
     bool m_looksAgain = false; ///< a timer runs that will call dataReady()

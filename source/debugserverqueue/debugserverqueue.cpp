@@ -79,12 +79,8 @@ void DebugServerQueue::timeout()
     guibridge::readOutputSettings();
     if (kept && isInUse())
         m_remoteAccess.dropLaggards();
-    if (!kept || !isInUse())
-        return; // the lines belong to its successor
-    if (!m_remoteAccess.hasClients())
-        guibridge::deliverLines(m_batch);
-    else if (guibridge::takeLines(m_batch))
-        m_remoteAccess.send(m_batch);
+    if (kept && isInUse()) // the lines belong to its successor otherwise
+        deliverLines();
 }
 
 /// Code of the host, which the queue leads into, may have ended the library and even started it again.
@@ -93,12 +89,12 @@ bool DebugServerQueue::isInUse() const
     return guibridge::queueHere() == this;
 }
 
-void DebugServerQueue::deliverLastLines()
+void DebugServerQueue::deliverLines()
 {
     if (!m_remoteAccess.hasClients())
         guibridge::deliverLines(m_batch);
     else if (guibridge::takeLines(m_batch))
-        m_remoteAccess.append(m_batch);
+        m_remoteAccess.send(m_batch);
 }
 
 void DebugServerQueue::closeRemoteAccess()

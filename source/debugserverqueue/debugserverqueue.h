@@ -36,8 +36,8 @@ public:
     [[nodiscard]] static bool useDaemon();
     static void readUseDaemon();
 
-    /// Delivers the last lines before the queue is detached. Calls nobody: locks may be held.
-    void deliverLastLines();
+    /// Delivers the lines that wait, to the remote clients if there are any. Calls nobody: locks may be held.
+    void deliverLines();
     /// Closes the port of a queue that is detached: its successor may want it.
     void closeRemoteAccess();
 

@@ -28,8 +28,6 @@ constexpr int spareDescriptors = 16; // clients leave them to the host, for its 
 constexpr auto acceptPause = 100ms; // the shortage of descriptors will hardly be over sooner
 constexpr auto lastWait = 300ms; // for all clients to take the last records
 
-using Guarded = std::vector<QPointer<DebugClientSocket>>;
-
 int s_runningUnits = 0; // of all servers: a server may be closed and opened again below a unit
 
 } // namespace
@@ -105,9 +103,8 @@ void DebugServerSocket::incomingConnection(qintptr descriptor)
     m_acceptsAgain = true;
     connect(client, &DebugClientSocket::socketClosed, this, &DebugServerSocket::socketClosed);
     m_clients.push_back(client);
-    client->append(greeting());
+    client->send(greeting());
     Debug::setClientCount(clientCount());
-    client->flushIfConnected();
 }
 
 void DebugServerSocket::socketClosed(DebugClientSocket *client)
@@ -116,10 +113,6 @@ void DebugServerSocket::socketClosed(DebugClientSocket *client)
     const auto found = std::find(m_clients.begin(), m_clients.end(), client);
     if (found == m_clients.end())
         return;
-    if (m_isSending) {
-        m_leaving.push_back(client);
-        return;
-    }
     m_clients.erase(found);
     Debug::setClientCount(clientCount());
     client->deleteWhenIdle();
@@ -129,32 +122,18 @@ void DebugServerSocket::dropLaggards()
 {
     const Activity activity(*this);
     // Each notice may lead to anything, also to the end of clients.
-    for (const QPointer<DebugClientSocket> &client : Guarded(m_clients.begin(), m_clients.end())) {
+    for (const QPointer<DebugClientSocket> &client :
+         std::vector<QPointer<DebugClientSocket>>(m_clients.begin(), m_clients.end())) {
         if (client && client->isTooFarBehind())
             drop(*client, QStringLiteral("it does not read its output"));
     }
 }
 
-void DebugServerSocket::append(QByteArray record)
+void DebugServerSocket::send(QByteArray record)
 {
     record += "\r\n";
     for (DebugClientSocket *const client : m_clients)
-        client->append(record);
-}
-
-// Flushed one by one: copies of a large batch for all clients at once would cost fresh memory each time.
-void DebugServerSocket::send(QByteArray record)
-{
-    const Activity activity(*this);
-    record += "\r\n";
-    m_isSending = true; // the list only grows, and nobody is called before all clients have the record
-    for (std::size_t i = 0; i < m_clients.size(); ++i) {
-        m_clients[i]->append(record);
-        m_clients[i]->flushIfConnected();
-    }
-    m_isSending = false;
-    for (DebugClientSocket *const client : std::exchange(m_leaving, {}))
-        socketClosed(client);
+        client->send(record);
 }
 
 void DebugServerSocket::drop(DebugClientSocket &client, const QString &reason)
@@ -189,11 +168,11 @@ void DebugServerSocket::execute(const QByteArray &lines)
 
 void DebugServerSocket::closeDown()
 {
-    m_isClosed = true;
+    if (std::exchange(m_isClosed, true))
+        return;
     if (m_notifier) {
         m_notifier->setEnabled(false);
         platform::shutDown(socketDescriptor()); // a process made by fork() may still have it
-        m_notifier = nullptr;
     }
     close();
     const QDeadlineTimer end(lastWait);

@@ -40,10 +40,9 @@ public:
     [[nodiscard]] int clientCount() const { return static_cast<int>(m_clients.size()); }
     /// Drops the clients that do not read what they are sent, with a notice each.
     void dropLaggards();
-    /// Sends a record to every client. Lines in it are separated by line feeds.
+    /// Sends a record to every client. Lines in it are separated by line feeds. Calls nobody: locks may be
+    /// held.
     void send(QByteArray record);
-    /// The same, but it goes out later. Calls nobody: locks may be held.
-    void append(QByteArray record);
 
     /// Echoes what a client sent, one or more complete lines, and executes it as one unit.
     void execute(const QByteArray &lines);
@@ -79,9 +78,7 @@ private:
 
     std::unique_ptr<QSocketNotifier> m_notifier; ///< tells that a client waits
     std::vector<DebugClientSocket *> m_clients; ///< in the order of their acceptance
-    std::vector<DebugClientSocket *> m_leaving; ///< their connections ended while a record was sent
     int m_activities = 0;
-    bool m_isSending = false;
     bool m_isClosed = false;
     bool m_acceptsAgain = true; ///< false from a failed accept to the next client
 };

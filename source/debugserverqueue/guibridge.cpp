@@ -466,7 +466,7 @@ Ending::Ending()
     s_endings.fetch_add(1);
     if (DebugServerQueue *const here = queueHere()) {
         m_isGuiThread = true;
-        here->deliverLastLines();
+        here->deliverLines();
     }
     m_queue = detachQueue();
     deliverLastLines();

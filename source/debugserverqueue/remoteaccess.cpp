@@ -102,11 +102,6 @@ void RemoteAccess::send(const std::string &lines)
     m_server->send(recordOf(lines));
 }
 
-void RemoteAccess::append(const std::string &lines)
-{
-    m_server->append(recordOf(lines));
-}
-
 void RemoteAccess::close()
 {
     s_isAllowed.store(false);

@@ -39,10 +39,8 @@ public:
     [[nodiscard]] bool hasClients() const { return m_server && m_server->clientCount() > 0; }
     /// Drops the clients that do not read. Printing the notices may end the library, this object included.
     void dropLaggards();
-    /// Sends a batch of lines to all clients. With clients only.
+    /// Sends a batch of lines to all clients. With clients only. Calls nobody: locks may be held.
     void send(const std::string &lines);
-    /// The same, but it only goes out with the next batch or at the end. Calls nobody: locks may be held.
-    void append(const std::string &lines);
 
 private:
     DebugServerSocket::Owner m_server;

@@ -20,6 +20,10 @@ struct Accepted
 /// fault: none waits, or it has gone meanwhile.
 Accepted acceptPeer(std::intptr_t listening);
 
+/// Hands bytes to the system, as many as it takes without waiting. Returns their number; 0 also on an error,
+/// which the next use of the socket shows.
+int sendAtOnce(std::intptr_t socket, const char *bytes, int count);
+
 /// Ends a connection, or the listening, for all processes that have the socket. It remains to be closed.
 void shutDown(std::intptr_t socket);
 
