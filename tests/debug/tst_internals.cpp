@@ -1,5 +1,6 @@
-// Messages of Qt, of kinds that a test cannot raise.
+// Messages of Qt, of kinds that a test cannot raise; which output filters cost too much.
 
+#include "debug/patternlimits.h"
 #include "debug/qtmessages.h"
 #include "support/maphost.h"
 
@@ -37,6 +38,23 @@ TEST(Internals, QtMessagesHaveAPrefixAndALevelOfTheirType)
                   head + "<        Info>: ++++ <unknown Qt Message Category>: text",
               }));
     Debug::exitDebug();
+}
+
+TEST(Internals, PatternsMayBeLongButNotMultiply)
+{
+    const auto repeated = [](const char *piece, int count) {
+        return QString::fromLatin1(piece).repeated(count);
+    };
+    for (const QString &pattern :
+         {QString(), repeated("x", 9999), repeated("a*", 300), repeated("(", 50) + repeated(")", 50),
+          QStringLiteral("^.*(Error|Warning>).*[0-9]{4}.[*{99999}]\\{99999}(a{1000}){9}$"),
+          repeated(")", 100), QStringLiteral("[x"), QStringLiteral("x\\"), QStringLiteral("x{2")})
+        EXPECT_TRUE(isAffordable(pattern)) << pattern.left(40).toStdString();
+    for (const QString &pattern :
+         {repeated("x", 10001), repeated("a*", 334), repeated(".?", 334), repeated("(x)\\1", 330),
+          repeated("(", 51), QStringLiteral("(a{1000}){1000}"), QStringLiteral("((a{30}){30}){,30}"),
+          QStringLiteral("(.*){1000}"), QStringLiteral("((.*)*)*")})
+        EXPECT_FALSE(isAffordable(pattern)) << pattern.left(40).toStdString();
 }
 
 } // namespace

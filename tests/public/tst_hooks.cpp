@@ -293,6 +293,23 @@ TEST_F(Hooks, AStartWhileOneHoldsUpTheEndIsAFreshOne)
     EXPECT_EQ(readFile(libraryFile("GYX_Debug_Output.log")).find("old"), std::string::npos);
 }
 
+TEST_F(Hooks, ThreadsAreRefusedWhenAHundredRun)
+{
+    std::atomic<bool> goOn{false};
+    recorder.onCall = [&goOn](char *, char *) { waitFor([&] { return goOn.load(); }); };
+    Debug::installHook("key", &recorder, false);
+    for (int i = 0; i < 102; ++i)
+        Debug::activateHooks("key", "");
+    EXPECT_EQ(host.linesWith("++++ no thread could be started for a hook!"), 2);
+    goOn = true;
+    std::size_t calls = 0;
+    waitFor([&] { return (calls += recorder.takeCalls().size()) == 100; });
+    waitFor([&] {
+        Debug::activateHooks("key", "");
+        return host.linesWith("++++ no thread") == 0;
+    });
+}
+
 TEST_F(Hooks, AHandlerMayEndTheLibrary)
 {
     recorder.onCall = [](char *, char *) { Debug::exitDebug(); };

@@ -6,6 +6,7 @@
 
 #include <cstring>
 #include <deque>
+#include <thread>
 
 using namespace Zorvan;
 using namespace Zorvan::test;
@@ -160,6 +161,34 @@ TEST_F(Clients, EndTheirUnitIfTheServerIsGoneBelowThem)
         clickButton(box, "OK");
     });
     expectEnd("box");
+}
+
+TEST_F(Clients, FindThePortOpenAsItWasLastAskedFor)
+{
+    host.store("serverPortOpen", 1);
+    Greeted old(port);
+    std::thread([] { // what it ends is deleted by an event loop, which this host only runs now and then
+        Debug::exitDebug();
+        Debug::initDebug();
+    })
+        .join();
+    for (int i = 0; i < 20 && !Debug::clientsAllowed(); ++i)
+        QCoreApplication::processEvents();
+    Greeted renewed(port);
+    print(QStringLiteral("line"));
+    EXPECT_TRUE(renewed.waitFor("line\r\n"));
+    EXPECT_TRUE(old.waitForDisconnect());
+    allow(false);
+    host.onRead = [](const QString &key) {
+        if (key == QLatin1String("serverPort")) {
+            Debug::setClientsAllowed(false);
+            QCoreApplication::processEvents();
+        }
+    };
+    Debug::setClientsAllowed(true);
+    runOn();
+    EXPECT_FALSE(Debug::clientsAllowed());
+    EXPECT_FALSE(RemoteClient(port).isConnected());
 }
 
 TEST_F(Clients, OfSeveralClientsNestUpToALimit)

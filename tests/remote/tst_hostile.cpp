@@ -65,6 +65,10 @@ TEST_F(Hostile, UnitsCostNobodyMuchTime)
              + "/>",
          0},
         {QByteArray("<u>").repeated(300000) + note("x"), 0},
+        {("<u" + inARow(100, [](int i) { return " xmlns:n" + QByteArray::number(i) + "='u'"; }) + '>')
+                 .repeated(200)
+             + QByteArray("<b/>").repeated(100000) + note("x"),
+         1},
         {QByteArray("<hook key='note'>").repeated(300), 256}};
     Greeted attacker(port);
     for (const auto &[text, executed] : units) {
@@ -177,6 +181,26 @@ TEST_F(Hostile, ClientsThatDoNotReadAreDroppedAndTheOthersMissNothing)
     print(QStringLiteral("while 80 MB are on their way"));
     printed += 80000 + 1 + 1; // with the notice
     EXPECT_TRUE(runUntil([&] { return (received += witness.take().count("\n")) == printed; }));
+}
+
+TEST_F(Hostile, TheOnlyClientIsDroppedBeforeLinesAreTakenForIt)
+{
+    witness.close();
+    RemoteClient deaf(port);
+    deaf.socket().setReadBufferSize(1);
+    const QString message = (QString(1000, QLatin1Char('x')) + QLatin1Char('\n')).repeated(1000);
+    ::testing::internal::CaptureStdout();
+    int printed = 0;
+    bool dropped = false;
+    EXPECT_TRUE(runUntil([&] {
+        dropped = dropped || host.linesWith("it does not read its output") > 0;
+        if (!dropped)
+            print(message + QStringLiteral("#%1#").arg(++printed));
+        return dropped;
+    }));
+    runOn();
+    const std::string written = ::testing::internal::GetCapturedStdout();
+    EXPECT_NE(written.find('#' + std::to_string(printed) + '#'), std::string::npos);
 }
 
 } // namespace
