@@ -10,11 +10,11 @@ target_include_directories(zorvan_testsupport PUBLIC ${CMAKE_CURRENT_SOURCE_DIR}
 target_link_libraries(zorvan_testsupport PUBLIC zorvan_warnings GTest::gtest Qt5::Core)
 set_target_properties(zorvan_testsupport PROPERTIES POSITION_INDEPENDENT_CODE ON)
 
-# zorvan_add_test(KIND NAME [INTERNALS] [LABELS label] SOURCES file... [DEPENDS target...])
+# zorvan_add_test(KIND NAME [INTERNALS] [LABELS label] [LOCK resource] SOURCES file... [DEPENDS target...])
 # Makes the program KIND_NAME and the CTest cases "KIND.<suite>.<case>". Without INTERNALS it uses the shared library
-# as hosts do; with it, the library's objects and hidden symbols.
+# as hosts do; with it, the library's objects and hidden symbols. Cases with the same LOCK run one after the other.
 function(zorvan_add_test kind name)
-    cmake_parse_arguments(arg "INTERNALS" "LABELS" "SOURCES;DEPENDS" ${ARGN})
+    cmake_parse_arguments(arg "INTERNALS" "LABELS;LOCK" "SOURCES;DEPENDS" ${ARGN})
     set(target test_${kind}_${name})
     add_executable(${target} ${arg_SOURCES})
     target_link_libraries(${target} PRIVATE zorvan_testsupport)
@@ -26,9 +26,13 @@ function(zorvan_add_test kind name)
     if(NOT arg_LABELS)
         set(arg_LABELS ${kind}) # one label: discovery does not keep a list together
     endif()
+    set(lock)
+    if(arg_LOCK)
+        set(lock RESOURCE_LOCK ${arg_LOCK})
+    endif()
     if(arg_DEPENDS)
         add_dependencies(${target} ${arg_DEPENDS})
     endif()
     gtest_discover_tests(${target} DISCOVERY_MODE PRE_TEST TEST_PREFIX "${kind}."
-        PROPERTIES TIMEOUT 120 LABELS ${arg_LABELS})
+        PROPERTIES TIMEOUT 120 LABELS ${arg_LABELS} ${lock})
 endfunction()

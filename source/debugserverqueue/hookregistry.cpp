@@ -8,7 +8,7 @@ namespace Zorvan {
 
 namespace {
 
-constexpr std::ptrdiff_t mostThreads = 100; // clients far away trigger hooks, as often as they like
+constexpr std::ptrdiff_t mostThreads = 1000; // clients far away trigger hooks, as often as they like
 
 bool has(const HookHandlers &handlers, const IHookInterface *handler)
 {
@@ -133,12 +133,29 @@ bool HookRegistry::addThread(const std::shared_ptr<QThread> &thread)
     return true;
 }
 
-void HookRegistry::dropThread(const QThread *thread)
+int HookRegistry::startingThreads() const
+{
+    const platform::Locked guard(m_lock);
+    const auto starts = [](const Thread &each) { return !each.hasBegun; };
+    return static_cast<int>(std::count_if(m_threads.begin(), m_threads.end(), starts));
+}
+
+void HookRegistry::threadBegins(const QThread *thread)
 {
     const platform::Locked guard(m_lock);
     const auto found = findThread(thread);
     if (found != m_threads.end())
-        m_threads.erase(found);
+        found->hasBegun = true;
+}
+
+void HookRegistry::dropThread(const QThread *thread)
+{
+    const platform::Locked guard(m_lock);
+    const auto found = findThread(thread);
+    if (found == m_threads.end())
+        return;
+    m_threads.erase(found);
+    m_threadEnded.wakeAll();
 }
 
 void HookRegistry::threadEnds(const QThread *thread)

@@ -72,8 +72,12 @@ public:
     /// \name Threads, from before their start until they are joined
     /// @{
 
-    /// False: 100 of them run already.
+    /// False: 1,000 of them run already.
     [[nodiscard]] bool addThread(const std::shared_ptr<QThread> &thread);
+    /// How many were added, but do not run yet.
+    [[nodiscard]] int startingThreads() const;
+    /// The first thing that a thread does.
+    void threadBegins(const QThread *thread);
     /// Forgets a thread that could not be started.
     void dropThread(const QThread *thread);
     /// The last thing that a thread does, but for passing its end on.
@@ -98,6 +102,7 @@ private:
     struct Thread
     {
         std::shared_ptr<QThread> thread;
+        bool hasBegun = false;
         bool hasEnded = false;
         bool isGivenUp = false; ///< an end has waited for it in vain; no other one does
     };

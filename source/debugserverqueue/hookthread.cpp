@@ -12,11 +12,23 @@ namespace Zorvan {
 namespace {
 
 constexpr int triesBeforeSleep = 200;
-constexpr int spareDescriptors = 8; // threads that start at the same time need some each
+constexpr int spareDescriptors = 4;
+constexpr int descriptorsOfThread = 2; // for its event loop, which Qt makes when the thread starts
 
-void reportNoThread()
+/// A thread of Qt that finds no descriptor ends the process.
+bool enoughDescriptors()
 {
-    libraryNotice(QStringLiteral("++++ no thread could be started for a hook!"));
+    const int wanted = spareDescriptors + descriptorsOfThread * hookRegistry().startingThreads();
+    return platform::descriptorShortage(wanted).empty();
+}
+
+bool startThread(HookWorker &worker)
+{
+    if (!enoughDescriptors())
+        return false;
+    platform::handOver(&worker);
+    worker.start(); // it may have ended, and have been joined, before this returns
+    return worker.isRunning() || worker.isFinished();
 }
 
 } // namespace
@@ -24,6 +36,7 @@ void reportNoThread()
 void HookWorker::run()
 {
     platform::takeOver(this);
+    hookRegistry().threadBegins(this);
     work();
     hookRegistry().threadEnds(this);
     guibridge::post(std::make_unique<HookDoneMsg>(this));
@@ -48,17 +61,12 @@ void startHookWorker(const std::shared_ptr<HookWorker> &worker)
         for (const std::shared_ptr<QThread> &ended : hookRegistry().takeEndedThreads())
             joinHookWorker(*ended);
     }
-    // A thread of Qt that finds no descriptor for its event loop ends the process.
-    if (!platform::descriptorShortage(spareDescriptors).empty() || !hookRegistry().addThread(worker)) {
-        reportNoThread();
-        return;
+    if (hookRegistry().addThread(worker)) {
+        if (startThread(*worker))
+            return;
+        hookRegistry().dropThread(worker.get());
     }
-    platform::handOver(worker.get());
-    worker->start(); // it may have ended, and have been joined, before this returns
-    if (worker->isRunning() || worker->isFinished())
-        return;
-    hookRegistry().dropThread(worker.get());
-    reportNoThread();
+    libraryNotice(QStringLiteral("++++ no thread could be started for a hook!"));
 }
 
 // The thread has only a few steps to go: to sleep and be woken would take longer than they do.
