@@ -6,6 +6,12 @@
 
 namespace Zorvan {
 
+namespace {
+
+constexpr int mostEntries = 1000;
+
+} // namespace
+
 bool OutputFilter::setPattern(const QString &pattern)
 {
     m_pattern = pattern;
@@ -15,15 +21,18 @@ bool OutputFilter::setPattern(const QString &pattern)
     return m_isUsable;
 }
 
-void OutputFilter::setEntries(const QString &entries)
+bool OutputFilter::setEntries(const QString &entries)
 {
     m_entryTexts = entries.isEmpty() ? QStringList() : entries.split(QLatin1Char(';'));
     m_entries.clear();
+    updateActive();
+    if (m_entryTexts.size() > mostEntries)
+        return false;
     for (const QString &entry : qAsConst(m_entryTexts)) {
         // A missing part is empty, and an empty text occurs in every line.
         m_entries.push_back({entry.section(QLatin1Char('|'), 0, 0), entry.section(QLatin1Char('|'), 1)});
     }
-    updateActive();
+    return true;
 }
 
 bool OutputFilter::passes(const QString &line, bool moduleNameShown) const
@@ -42,7 +51,7 @@ bool OutputFilter::passesEntries(const QString &line, bool moduleNameShown) cons
     const auto fits = [&](const Entry &entry) {
         return (!moduleNameShown || line.contains(entry.module)) && line.contains(entry.text);
     };
-    return m_entries.empty() || std::any_of(m_entries.begin(), m_entries.end(), fits);
+    return m_entryTexts.isEmpty() || std::any_of(m_entries.begin(), m_entries.end(), fits);
 }
 
 void OutputFilter::updateActive()

@@ -17,8 +17,9 @@ public:
     /// used, and lets nothing through, as an invalid one does.
     bool setPattern(const QString &pattern);
     [[nodiscard]] QString pattern() const { return m_pattern; }
-    /// "module|text" entries joined by ';'; empty lets everything through.
-    void setEntries(const QString &entries);
+    /// "module|text" entries joined by ';'; empty lets everything through. False: they are kept, but there
+    /// are so many that comparing them takes too long, and nothing is let through.
+    bool setEntries(const QString &entries);
     [[nodiscard]] QString entries() const { return m_entryTexts.join(QLatin1Char(';')); }
 
     [[nodiscard]] bool isActive() const { return m_active; }

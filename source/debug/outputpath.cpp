@@ -241,12 +241,22 @@ void Debug::clear()
         guibridge::clear();
 }
 
+namespace {
+
+/// Not as a line of output: none passes.
+void reportRefused(const char *filter, const QString &text)
+{
+    gyxLog("source/debug", __LINE__, "++++ %s filter of %d characters costs too much, no line passes\n",
+           filter, text.size());
+}
+
+} // namespace
+
 void Debug::setOutputFilter(const QString &pattern)
 {
     const TableLock guard;
     if (!outputPath().filter.setPattern(pattern))
-        gyxLog("source/debug", __LINE__,
-               "++++ output filter of %d characters costs too much, no line passes\n", pattern.size());
+        reportRefused("output", pattern);
 }
 
 QString Debug::getOutputFilter()
@@ -258,7 +268,8 @@ QString Debug::getOutputFilter()
 void Debug::setLevelFilter(const QString &entries)
 {
     const TableLock guard;
-    outputPath().filter.setEntries(entries);
+    if (!outputPath().filter.setEntries(entries))
+        reportRefused("level", entries);
 }
 
 QString Debug::getLevelFilter()

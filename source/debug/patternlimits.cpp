@@ -1,7 +1,5 @@
 #include "debug/patternlimits.h"
 
-#include <QStringList>
-
 #include <algorithm>
 #include <vector>
 
@@ -10,8 +8,12 @@ namespace Zorvan {
 namespace {
 
 constexpr std::size_t greatestDepth = 50;
-constexpr qint64 greatestWeight = 10000;
-constexpr qint64 openEnded = 30; // "*", "+", "?", back references: what may match in several ways
+constexpr qint64 greatestWeight = 1000;
+// Factors for what may match in several ways, each of which is tried
+constexpr qint64 openEnded = 60; // "*", "+", "{2,}", back references
+constexpr qint64 optional = 20; // "?"
+constexpr qint64 ranged = 10; // "{2,5}", for each of the five
+constexpr qint64 lookAhead = 8;
 
 /// Weighs an expression by the characters that it consists of when all repetitions are written out. It need
 /// not be exact.
@@ -30,14 +32,22 @@ public:
     }
 
 private:
+    struct Group
+    {
+        qint64 weightBefore;
+        qint64 factor;
+    };
+
     void weighNext()
     {
         const QChar character = m_pattern[m_at++];
         if (character == QLatin1Char('(')) {
-            m_outer.push_back(m_weight);
+            const QStringRef next = m_pattern.midRef(m_at, 2);
+            const bool looksAhead = next == QLatin1String("?=") || next == QLatin1String("?!");
+            m_outer.push_back({m_weight, looksAhead ? lookAhead : 1});
             m_weight = 0;
         } else if (character == QLatin1Char(')') && !m_outer.empty()) {
-            add(std::max<qint64>(m_weight, 1), m_outer.back());
+            add(std::max<qint64>(m_weight, 1) * m_outer.back().factor, m_outer.back().weightBefore);
             m_outer.pop_back();
         } else {
             add(weightOf(character), m_weight);
@@ -60,18 +70,25 @@ private:
     qint64 repetition()
     {
         const QChar next = m_at < m_pattern.size() ? m_pattern[m_at] : QChar();
-        if (next == QLatin1Char('*') || next == QLatin1Char('+') || next == QLatin1Char('?')) {
-            ++m_at;
-            return openEnded;
-        }
-        if (next != QLatin1Char('{'))
+        if (next == QLatin1Char('{'))
+            return countedRepetition();
+        if (next != QLatin1Char('*') && next != QLatin1Char('+') && next != QLatin1Char('?'))
             return 1;
+        ++m_at;
+        return next == QLatin1Char('?') ? optional : openEnded;
+    }
+
+    /// "{n}", "{n,}", "{,m}" or "{n,m}"
+    qint64 countedRepetition()
+    {
         const int begin = m_at + 1;
         skipBehind(QLatin1Char('}'));
-        qint64 most = 1;
-        for (const QString &count : m_pattern.mid(begin, m_at - begin - 1).split(QLatin1Char(',')))
-            most = std::max<qint64>(most, count.toInt());
-        return most;
+        const QString counts = m_pattern.mid(begin, m_at - begin - 1);
+        const qint64 least = std::max(counts.section(QLatin1Char(','), 0, 0).toInt(), 1);
+        if (!counts.contains(QLatin1Char(',')))
+            return least;
+        const qint64 most = counts.section(QLatin1Char(','), 1).toInt();
+        return most > 0 ? ranged * std::max(least, most) : openEnded * least;
     }
 
     void skipBehind(QChar end)
@@ -83,7 +100,7 @@ private:
     const QString &m_pattern;
     int m_at = 0;
     qint64 m_weight = 0; ///< of the open group
-    std::vector<qint64> m_outer; ///< of the groups around it
+    std::vector<Group> m_outer; ///< around it
 };
 
 } // namespace

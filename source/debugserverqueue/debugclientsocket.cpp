@@ -5,7 +5,6 @@
 
 #include <QTimer>
 
-#include <algorithm>
 #include <utility>
 
 namespace Zorvan {
@@ -18,8 +17,7 @@ constexpr qint64 mebibyte = 1 << 20;
 constexpr qint64 mostUnfinishedBytes = mebibyte; // of a line
 constexpr qint64 unreadByDeafClient = 64 * mebibyte;
 constexpr qint64 mostUnread = 512 * mebibyte; // who lags so far behind never comes up
-constexpr int largestPiece = 65536; // bytes handed to QTcpSocket
-constexpr auto patience = 500ms; // for a client that takes nothing
+constexpr auto patience = 2000ms; // for a client that takes nothing
 constexpr auto lookAgainAfter = 100ms;
 
 } // namespace
@@ -30,7 +28,6 @@ DebugClientSocket::DebugClientSocket(DebugServerSocket &server)
 {
     connect(this, &QAbstractSocket::disconnected, this, &DebugClientSocket::connectionClosed);
     connect(this, &QIODevice::readyRead, this, &DebugClientSocket::dataReady);
-    connect(this, &QIODevice::bytesWritten, this, &DebugClientSocket::sendWaiting);
 }
 
 bool DebugClientSocket::adopt(qintptr descriptor)
@@ -39,12 +36,16 @@ bool DebugClientSocket::adopt(qintptr descriptor)
         return false;
     setReadBufferSize(mostUnfinishedBytes);
     setSocketOption(LowDelayOption, 1); // records go out as they are, a person waits for them
+    m_notifier = std::make_unique<QSocketNotifier>(descriptor, QSocketNotifier::Write);
+    m_notifier->setEnabled(false);
+    connect(m_notifier.get(), &QSocketNotifier::activated, this, &DebugClientSocket::sendWaiting);
     return true;
 }
 
 // One batch may be larger than all limits, and its readers need their time for it.
 bool DebugClientSocket::isTooFarBehind()
 {
+    sendWaiting();
     const qint64 unread = unsentBytes() - m_lastRecord;
     const qint64 taken = m_sent - unsentBytes();
     if (unread <= unreadByDeafClient || taken > m_taken) {
@@ -54,7 +55,6 @@ bool DebugClientSocket::isTooFarBehind()
     return unread > mostUnread || (unread > unreadByDeafClient && m_patience.hasExpired());
 }
 
-// Writing to a socket without a connection would raise a warning, which becomes a line, which is sent again.
 void DebugClientSocket::send(const QByteArray &bytes)
 {
     if (state() != ConnectedState)
@@ -66,34 +66,44 @@ void DebugClientSocket::send(const QByteArray &bytes)
     sendWaiting();
 }
 
-/// Straight to the system. QTcpSocket, which would copy everything, gets no more than one piece of what the
-/// system does not take, and tells when that has gone. It also finds out about errors.
-void DebugClientSocket::sendWaiting()
+/// Straight to the system: QTcpSocket would copy everything, and have the process ignore SIGPIPE. It still
+/// finds out about the end of the connection.
+bool DebugClientSocket::sendWaiting()
 {
-    while (!m_waiting.empty() && bytesToWrite() == 0 && state() == ConnectedState) {
+    while (!m_waiting.empty()) {
         const QByteArray &first = m_waiting.front();
-        m_sentOfFirst += platform::sendAtOnce(socketDescriptor(), first.constData() + m_sentOfFirst,
+        const int sent = platform::sendAtOnce(socketDescriptor(), first.constData() + m_sentOfFirst,
                                               first.size() - m_sentOfFirst);
-        if (m_sentOfFirst < first.size()) {
-            const int piece = std::min(first.size() - m_sentOfFirst, largestPiece);
-            write(first.constData() + m_sentOfFirst, piece);
-            m_sentOfFirst += piece;
-        }
+        if (sent < 0)
+            forgetWaiting();
+        if (sent <= 0)
+            break;
+        m_sentOfFirst += sent;
         if (m_sentOfFirst == first.size()) {
             m_waitingBytes -= first.size();
             m_waiting.pop_front();
             m_sentOfFirst = 0;
         }
     }
+    m_notifier->setEnabled(!m_waiting.empty());
+    return !m_waiting.empty();
 }
 
-void DebugClientSocket::closeDown(const QDeadlineTimer &end)
+void DebugClientSocket::forgetWaiting()
+{
+    m_waiting.clear();
+    m_waitingBytes = 0;
+    m_sentOfFirst = 0;
+}
+
+void DebugClientSocket::fallSilent()
 {
     disconnect();
-    sendWaiting();
-    while (unsentBytes() > 0 && !end.hasExpired()
-           && waitForBytesWritten(static_cast<int>(end.remainingTime())))
-        sendWaiting();
+}
+
+void DebugClientSocket::end()
+{
+    m_notifier->setEnabled(false);
     if (state() == ConnectedState)
         platform::shutDown(socketDescriptor()); // a process made by fork() may still have it
     abort();
@@ -103,13 +113,14 @@ void DebugClientSocket::closeDown(const QDeadlineTimer &end)
 void DebugClientSocket::deleteWhenIdle()
 {
     m_isForgotten = true;
-    m_waiting.clear();
+    forgetWaiting();
     if (!m_isExecuting)
         deleteLater();
 }
 
 void DebugClientSocket::connectionClosed()
 {
+    m_notifier->setEnabled(false);
     Q_EMIT socketClosed(this);
 }
 

@@ -2,9 +2,11 @@
 
 #include <QByteArray>
 #include <QDeadlineTimer>
+#include <QSocketNotifier>
 #include <QTcpSocket>
 
 #include <deque>
+#include <memory>
 
 namespace Zorvan {
 
@@ -22,15 +24,19 @@ public:
     [[nodiscard]] bool adopt(qintptr descriptor);
 
     /// Whether the client has left 64 MiB unread and takes nothing of it, or has left so much unread that it
-    /// does not matter what it takes.
+    /// does not matter what it takes. The record sent last does not count. Ask before each record: it looks
+    /// at what has happened since.
     [[nodiscard]] bool isTooFarBehind();
     /// Sends bytes as soon as the client takes them, and now if it does; nothing if the connection has ended.
     /// Calls nobody: locks may be held.
     void send(const QByteArray &bytes);
+    /// Sends what the client has not taken yet, as far as it takes it now. False: nothing waits any more.
+    bool sendWaiting();
 
-    /// Closes the connection without telling anybody. Waits until \a end for the client to take what was
-    /// sent.
-    void closeDown(const QDeadlineTimer &end);
+    /// From here on the client is told nothing that comes of its connection, nor is anybody else.
+    void fallSilent();
+    /// Ends the connection, whatever waits.
+    void end();
     /// Deletes itself once no command of this client is executed any more.
     void deleteWhenIdle();
 
@@ -40,13 +46,14 @@ public:
     Q_SLOT void dataReady();
 
 private:
-    [[nodiscard]] qint64 unsentBytes() const { return m_waitingBytes - m_sentOfFirst + bytesToWrite(); }
-    void sendWaiting();
+    [[nodiscard]] qint64 unsentBytes() const { return m_waitingBytes - m_sentOfFirst; }
+    void forgetWaiting();
     void executeLines();
     void lookAgain();
     [[nodiscard]] QByteArray takeLines();
 
     DebugServerSocket &m_server;
+    std::unique_ptr<QSocketNotifier> m_notifier; ///< tells when the client takes what waits
     QByteArray m_received; ///< of a line whose end has not come
     std::deque<QByteArray> m_waiting; ///< records that the client has not taken; shared with other clients
     int m_sentOfFirst = 0; ///< bytes of the first one that were sent

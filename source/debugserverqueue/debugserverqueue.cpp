@@ -180,7 +180,7 @@ void DebugServerQueue::armTimer()
 void DebugServerQueue::openOrCloseServer(bool allowed)
 {
     m_clientsWanted = allowed;
-    if (allowed == RemoteAccess::isAllowed())
+    if (allowed == m_remoteAccess.isOpen())
         return;
     if (!allowed) {
         m_remoteAccess.close();
@@ -188,7 +188,7 @@ void DebugServerQueue::openOrCloseServer(bool allowed)
     }
     const QPointer<DebugServerQueue> kept(this);
     const ServerPlace place = ServerPlace::read();
-    if (kept && isInUse() && m_clientsWanted && !RemoteAccess::isAllowed())
+    if (kept && isInUse() && m_clientsWanted && !m_remoteAccess.isOpen())
         m_remoteAccess.open(place);
 }
 

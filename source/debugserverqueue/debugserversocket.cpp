@@ -12,6 +12,7 @@
 #include <QDeadlineTimer>
 #include <QNetworkProxy>
 #include <QPointer>
+#include <QThread>
 #include <QTimer>
 
 #include <algorithm>
@@ -27,6 +28,15 @@ constexpr int mostRunningUnits = 16; // inside each other: each one has its even
 constexpr int spareDescriptors = 16; // clients leave them to the host, for its files and threads
 constexpr auto acceptPause = 100ms; // the shortage of descriptors will hardly be over sooner
 constexpr auto lastWait = 300ms; // for all clients to take the last records
+
+/// Whether there is one that has not taken everything.
+bool sendWaiting(const std::vector<DebugClientSocket *> &clients)
+{
+    bool waits = false;
+    for (DebugClientSocket *const client : clients)
+        waits = client->sendWaiting() || waits;
+    return waits;
+}
 
 int s_runningUnits = 0; // of all servers: a server may be closed and opened again below a unit
 
@@ -88,7 +98,7 @@ void DebugServerSocket::pauseAfter(const std::string &fault)
 {
     m_notifier->setEnabled(false);
     QTimer::singleShot(acceptPause, this, [this] { m_notifier->setEnabled(!m_isClosed); });
-    if (std::exchange(m_acceptsAgain, false))
+    if (std::exchange(m_reportsFaults, false))
         libraryNotice(QStringLiteral("++++ remote access: cannot accept a client: ")
                       + QString::fromStdString(fault));
 }
@@ -98,9 +108,10 @@ void DebugServerSocket::incomingConnection(qintptr descriptor)
     auto *const client = new DebugClientSocket(*this);
     if (!client->adopt(descriptor)) {
         delete client;
+        platform::closeSocket(descriptor);
         return;
     }
-    m_acceptsAgain = true;
+    m_reportsFaults = true;
     connect(client, &DebugClientSocket::socketClosed, this, &DebugServerSocket::socketClosed);
     m_clients.push_back(client);
     client->send(greeting());
@@ -175,9 +186,14 @@ void DebugServerSocket::closeDown()
         platform::shutDown(socketDescriptor()); // a process made by fork() may still have it
     }
     close();
+    const std::vector<DebugClientSocket *> clients = std::exchange(m_clients, {});
+    for (DebugClientSocket *const client : clients)
+        client->fallSilent();
     const QDeadlineTimer end(lastWait);
-    for (DebugClientSocket *const client : std::exchange(m_clients, {}))
-        client->closeDown(end);
+    while (sendWaiting(clients) && !end.hasExpired())
+        QThread::msleep(1);
+    for (DebugClientSocket *const client : clients)
+        client->end();
 }
 
 } // namespace Zorvan

@@ -80,7 +80,7 @@ private:
     std::vector<DebugClientSocket *> m_clients; ///< in the order of their acceptance
     int m_activities = 0;
     bool m_isClosed = false;
-    bool m_acceptsAgain = true; ///< false from a failed accept to the next client
+    bool m_reportsFaults = true; ///< false from a failed accept to the next client
 };
 
 } // namespace Zorvan

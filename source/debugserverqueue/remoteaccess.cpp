@@ -67,6 +67,7 @@ ServerPlace ServerPlace::read()
 RemoteAccess::RemoteAccess()
 {
     s_isAllowed.store(false);
+    guibridge::setClientCount(0);
 }
 
 RemoteAccess::~RemoteAccess() = default;
@@ -76,9 +77,15 @@ bool RemoteAccess::isAllowed()
     return s_isAllowed.load();
 }
 
+void RemoteAccess::setOpen(bool open)
+{
+    m_isOpen = open;
+    s_isAllowed.store(open);
+}
+
 void RemoteAccess::open(const ServerPlace &place)
 {
-    s_isAllowed.store(true);
+    setOpen(true);
     const QString fault = faultOf(place);
     if (!fault.isEmpty()) {
         reportFault(place, fault);
@@ -104,7 +111,7 @@ void RemoteAccess::send(const std::string &lines)
 
 void RemoteAccess::close()
 {
-    s_isAllowed.store(false);
+    setOpen(false);
     m_server.reset();
     Debug::setClientCount(0);
 }

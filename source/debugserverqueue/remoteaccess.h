@@ -27,7 +27,9 @@ public:
     RemoteAccess(const RemoteAccess &) = delete;
     RemoteAccess &operator=(const RemoteAccess &) = delete;
 
-    /// Whether remote clients may connect, also if the port could not be opened. Any thread.
+    /// What the last request was that was carried out; also if the port could not be opened.
+    [[nodiscard]] bool isOpen() const { return m_isOpen; }
+    /// The same of the object made last. Any thread.
     [[nodiscard]] static bool isAllowed();
 
     /// Prints a notice if the place is no good. Printing may end the library, this object included.
@@ -43,6 +45,9 @@ public:
     void send(const std::string &lines);
 
 private:
+    void setOpen(bool open);
+
+    bool m_isOpen = false;
     DebugServerSocket::Owner m_server;
 };
 

@@ -20,9 +20,11 @@ struct Accepted
 /// fault: none waits, or it has gone meanwhile.
 Accepted acceptPeer(std::intptr_t listening);
 
-/// Hands bytes to the system, as many as it takes without waiting. Returns their number; 0 also on an error,
-/// which the next use of the socket shows.
+/// Hands bytes to the system, as many as it takes at once. Returns their number, 0 if it would have to wait,
+/// -1 if the connection is gone.
 int sendAtOnce(std::intptr_t socket, const char *bytes, int count);
+
+void closeSocket(std::intptr_t socket);
 
 /// Ends a connection, or the listening, for all processes that have the socket. It remains to be closed.
 void shutDown(std::intptr_t socket);

@@ -5,13 +5,13 @@
 #include <arpa/inet.h>
 #include <cerrno>
 #include <climits>
-#include <cstring>
 #include <fcntl.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <poll.h>
 #include <sys/ioctl.h>
 #include <sys/socket.h>
+#include <system_error>
 #include <unistd.h>
 
 namespace Zorvan::platform {
@@ -208,7 +208,7 @@ Accepted acceptPeer(std::intptr_t listening)
     if (accepted.socket >= 0)
         askForLife(accepted.socket);
     else if (errno != EAGAIN && errno != ECONNABORTED)
-        accepted.fault = std::strerror(errno);
+        accepted.fault = std::system_category().message(errno);
     return accepted;
 }
 

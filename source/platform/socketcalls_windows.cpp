@@ -17,6 +17,7 @@ using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
 constexpr milliseconds longestSlice(50);
+constexpr std::size_t longestSend = 65536; // the system would take any number of bytes into its own memory
 
 SOCKET nativeSocket(std::intptr_t socket)
 {
@@ -130,7 +131,7 @@ bool isConnectedToItself(std::intptr_t socket)
 
 std::int64_t send(std::intptr_t socket, const char *bytes, std::size_t count)
 {
-    return ::send(nativeSocket(socket), bytes, lengthOf(count), 0);
+    return ::send(nativeSocket(socket), bytes, lengthOf(std::min(count, longestSend)), 0);
 }
 
 std::int64_t receive(std::intptr_t socket, char *buffer, std::size_t capacity)
