@@ -16,7 +16,7 @@ using namespace std::chrono_literals;
 constexpr qint64 mebibyte = 1 << 20;
 constexpr qint64 mostUnfinishedBytes = mebibyte; // of a line
 constexpr qint64 unreadByDeafClient = 64 * mebibyte;
-constexpr qint64 mostUnread = 512 * mebibyte; // who lags so far behind never comes up
+constexpr qint64 mostUnread = 128 * mebibyte; // who lags so far behind hardly comes up
 constexpr auto patience = 2000ms; // for a client that takes nothing
 constexpr auto lookAgainAfter = 100ms;
 
@@ -42,14 +42,14 @@ bool DebugClientSocket::adopt(qintptr descriptor)
     return true;
 }
 
-// One batch may be larger than all limits, and its readers need their time for it.
+// A single batch may be larger than all limits, and its readers need their time for it.
 bool DebugClientSocket::isTooFarBehind()
 {
-    sendWaiting();
-    const qint64 unread = unsentBytes() - m_lastRecord;
-    const qint64 taken = m_sent - unsentBytes();
-    if (unread <= unreadByDeafClient || taken > m_taken) {
-        m_taken = taken;
+    if (!sendWaiting())
+        return false;
+    const qint64 unread = m_waitingBytes - m_waiting.front().size();
+    if (unread <= unreadByDeafClient || m_taken > m_takenAtLook) {
+        m_takenAtLook = m_taken;
         m_patience.setRemainingTime(patience);
     }
     return unread > mostUnread || (unread > unreadByDeafClient && m_patience.hasExpired());
@@ -59,8 +59,6 @@ void DebugClientSocket::send(const QByteArray &bytes)
 {
     if (state() != ConnectedState)
         return;
-    m_sent += bytes.size();
-    m_lastRecord = bytes.size();
     m_waitingBytes += bytes.size();
     m_waiting.push_back(bytes);
     sendWaiting();
@@ -78,6 +76,7 @@ bool DebugClientSocket::sendWaiting()
             forgetWaiting();
         if (sent <= 0)
             break;
+        m_taken += sent;
         m_sentOfFirst += sent;
         if (m_sentOfFirst == first.size()) {
             m_waitingBytes -= first.size();

@@ -46,7 +46,6 @@ public:
     Q_SLOT void dataReady();
 
 private:
-    [[nodiscard]] qint64 unsentBytes() const { return m_waitingBytes - m_sentOfFirst; }
     void forgetWaiting();
     void executeLines();
     void lookAgain();
@@ -58,9 +57,8 @@ private:
     std::deque<QByteArray> m_waiting; ///< records that the client has not taken; shared with other clients
     int m_sentOfFirst = 0; ///< bytes of the first one that were sent
     qint64 m_waitingBytes = 0; ///< of all of them, the first one whole
-    qint64 m_lastRecord = 0; ///< bytes of the record sent last
-    qint64 m_sent = 0; ///< bytes so far
-    qint64 m_taken = 0; ///< bytes that the client had taken when it was last seen to take something
+    qint64 m_taken = 0; ///< bytes that the client has taken so far
+    qint64 m_takenAtLook = 0; ///< when it was last seen to take something
     QDeadlineTimer m_patience; ///< from then on
     bool m_isExecuting = false;
     bool m_looksAgain = false; ///< a timer runs that will call dataReady()

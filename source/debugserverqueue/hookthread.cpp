@@ -12,7 +12,7 @@ namespace Zorvan {
 namespace {
 
 constexpr int triesBeforeSleep = 200;
-constexpr int spareDescriptors = 4;
+constexpr int spareDescriptors = 2;
 constexpr int descriptorsOfThread = 2; // for its event loop, which Qt makes when the thread starts
 
 /// A thread of Qt that finds no descriptor ends the process.
