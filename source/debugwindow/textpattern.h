@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QString>
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace Zorvan {
+
+/// A text to look for in stored lines: case-sensitive, no wildcards.
+///
+/// Lines are Latin-1 bytes without a zero byte, and so is what findIn() compares: no line has to become a
+/// QString. A text with any other character is in no line.
+class TextPattern
+{
+public:
+    static constexpr std::size_t notFound = std::string_view::npos;
+
+    explicit TextPattern(const QString &text);
+
+    [[nodiscard]] const QString &text() const { return m_text; }
+    /// Where it first begins, or notFound. The empty text begins at 0. As \a bytes may be several lines with
+    /// zero bytes between them, a long stretch is searched at once: that is faster than line by line.
+    [[nodiscard]] std::size_t findIn(std::string_view bytes) const;
+
+private:
+    [[nodiscard]] std::size_t findAmong(std::uint64_t candidates, const char *places) const;
+
+    QString m_text;
+    std::string m_bytes;
+    bool m_canOccur;
+};
+
+} // namespace Zorvan

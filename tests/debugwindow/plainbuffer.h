@@ -1,0 +1,202 @@
+#pragma once
+
+#include "debugwindow/filteredtextbuffer.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace Zorvan::test {
+
+/// The memory that a buffer gets: no block beyond a size.
+struct Memory
+{
+    static inline std::uint64_t largestBlock = UINT32_MAX;
+    static void *reallocate(void *block, std::size_t bytes)
+    {
+        return bytes > largestBlock ? nullptr : std::realloc(block, bytes);
+    }
+};
+
+/// What the text buffer promises, without regard to speed. Its growing blocks hold nothing: they only know
+/// when there is no memory.
+class PlainBuffer
+{
+public:
+    explicit PlainBuffer(std::uint32_t step)
+        : textBlock(Memory::reallocate, step * 128)
+        , startBlock(Memory::reallocate, step)
+        , indexBlock(Memory::reallocate, step)
+    {}
+    void setMaximumLineCount(std::size_t count) { maximum = count; }
+    void setMemoryLimit(std::size_t bytes) { limit = bytes; }
+    void appendLine(std::string line)
+    {
+        wraps |= (maximum > 0 && starts.size() >= maximum) || (limit > 0 && position + 1024 >= limit);
+        if (!wraps) {
+            wraps |= !textBlock.makeRoom(position + line.size() + 1);
+            wraps |= !startBlock.makeRoom(starts.size() + 1);
+            text.resize(textBlock.capacity());
+        }
+        if (wraps && starts.empty())
+            return;
+        if (wraps && (position + 1024 >= text.size() || position + line.size() + 1 > text.size()))
+            position = 0;
+        if (wraps)
+            ringStart = ringStart < starts.size() ? ringStart + 1 : 0;
+        else
+            starts.push_back(0);
+        line.resize(std::min(line.size(), text.size() - 1));
+        slot = slot < starts.size() ? slot : 0;
+        starts[slot++] = position;
+        text.replace(position, line.size() + 1, line.c_str(), line.size() + 1);
+        position += line.size() + 1;
+        if (isFiltering())
+            indexNew(line);
+    }
+    void addPattern(const QString &pattern)
+    {
+        patterns.push_back(pattern.toLatin1().toStdString());
+        setMarkedOutputOnly(markedOnly);
+    }
+    void clearPatterns() { patterns.clear(); }
+    void setMarkedOutputOnly(bool on)
+    {
+        markedOnly = on;
+        if (!isFiltering())
+            clearIndex();
+        for (std::size_t i = 0; i < starts.size() && isFiltering(); ++i)
+            matches(text.c_str() + starts[i]) && enter(i);
+    }
+    void setExtraLines(std::size_t lines)
+    {
+        extra = lines;
+        const bool wasOn = markedOnly;
+        setMarkedOutputOnly(false);
+        setMarkedOutputOnly(wasOn);
+    }
+    void clearAll()
+    {
+        clearIndex();
+        textBlock.release();
+        startBlock.release();
+        starts.clear();
+        position = slot = ringStart = 0;
+        wraps = false;
+    }
+    std::size_t lineCount() const { return starts.size(); }
+    std::size_t rowCount() const
+    {
+        return markedOnly ? index.size() - std::min(indexStart, index.size()) : starts.size();
+    }
+    std::string_view line(std::size_t row) const
+    {
+        if (starts.empty())
+            return {};
+        const std::size_t line = isFiltering() ? index[indexStart + row] : (ringStart + row) % starts.size();
+        return line < starts.size() ? text.c_str() + starts[line] : "";
+    }
+
+private:
+    bool isFiltering() const { return markedOnly && !patterns.empty(); }
+    void indexNew(const std::string &line)
+    {
+        if (wraps && index.size() > 1 && index[0] < ringStart)
+            drop(1, 2 * extra + 1);
+        if (!matches(line))
+            return;
+        if (!enter(slot - 1))
+            drop(index.size() / 4, index.size() / 4);
+        indexStart += wraps ? 1 : 0;
+    }
+    bool matches(std::string_view line) const
+    {
+        const auto isIn = [&](const std::string &pattern) { return line.find(pattern) != line.npos; };
+        return std::any_of(patterns.begin(), patterns.end(), isIn);
+    }
+    bool enter(std::size_t marked)
+    {
+        if (!indexBlock.makeRoom(index.size() + 2 * extra + 1))
+            return false;
+        for (std::size_t k = marked - std::min(extra, marked); k <= marked + extra; ++k) {
+            if (k >= marked || index.empty() || index.back() < k)
+                index.push_back(k);
+        }
+        return true;
+    }
+    void drop(std::size_t fromFront, std::size_t count)
+    {
+        const std::size_t left = index.size() - std::min(count, index.size());
+        index.erase(index.begin(), index.begin() + static_cast<std::ptrdiff_t>(fromFront));
+        index.resize(left);
+        indexStart -= std::min(count, indexStart);
+    }
+    void clearIndex()
+    {
+        index.clear();
+        indexBlock.release();
+        indexStart = 0;
+    }
+
+    GrowingBlock<char> textBlock;
+    GrowingBlock<int> startBlock, indexBlock;
+    std::string text;
+    std::vector<std::string> patterns;
+    std::vector<std::size_t> starts, index;
+    std::size_t position = 0, slot = 0, ringStart = 0, indexStart = 0;
+    std::size_t maximum = 300000, limit = 0, extra = 0;
+    bool wraps = false, markedOnly = false;
+};
+
+template <typename Buffer>
+void operate(Buffer &buffer, unsigned operation, unsigned value, std::size_t number)
+{
+    const char *const patterns[] = {"a", "bc", "7", "g\xE9", "xxx", "3cd", "xxxxxxxxxxxab", ""};
+    switch (operation) {
+    case 0:
+        return buffer.addPattern(QLatin1String(patterns[value % 8]));
+    case 1:
+        return buffer.clearPatterns();
+    case 2:
+    case 3:
+        return buffer.setMarkedOutputOnly(value < 170);
+    case 4:
+        return buffer.setExtraLines(value % 5);
+    case 5:
+        return buffer.setMaximumLineCount(value);
+    case 6:
+        return buffer.setMemoryLimit(value * 64);
+    case 7:
+        return buffer.clearAll();
+    case 8:
+        Memory::largestBlock = value < 128 ? value * 64 : UINT32_MAX;
+        return;
+    default:
+        for (unsigned i = 9; i <= operation; ++i)
+            buffer.appendLine(std::to_string(number * 32 + i)
+                              + std::string(operation == 9 ? value * 8 : value % 32, 'x')
+                              + std::string("abcdefg\xE9").substr(value * i % 8));
+    }
+}
+
+/// Has the buffer and its model do what bytes say. False: they came to differ.
+inline bool behaveAlike(const std::uint8_t *bytes, std::size_t size)
+{
+    const std::uint32_t step = size > 0 ? 1 + bytes[0] % 24U : 1;
+    CFilteredTextBuffer buffer(Memory::reallocate);
+    PlainBuffer plain(step);
+    buffer.sizeGrowthSteps(step << 17U);
+    Memory::largestBlock = UINT32_MAX;
+    bool areEqual = true;
+    for (std::size_t i = 0; areEqual && i + 1 < std::min<std::size_t>(size, 200); i += 2) {
+        operate(buffer, bytes[i] % 32U, bytes[i + 1], i);
+        operate(plain, bytes[i] % 32U, bytes[i + 1], i);
+        areEqual = buffer.lineCount() == plain.lineCount() && buffer.rowCount() == plain.rowCount();
+        for (std::size_t row = 0; areEqual && row < plain.rowCount(); row += 1 + plain.rowCount() / 4096)
+            areEqual = buffer.line(static_cast<std::int64_t>(row)) == plain.line(row);
+    }
+    return areEqual;
+}
+
+} // namespace Zorvan::test

@@ -1,0 +1,155 @@
+// The lines of the debug window: ring, filter index, and what becomes of shortages and odd input.
+
+#include "plainbuffer.h"
+#include "support/programdata.h"
+
+#include <gtest/gtest.h>
+#include <random>
+
+using namespace Zorvan;
+using namespace Zorvan::test;
+
+namespace {
+
+class Lines : public ::testing::Test
+{
+protected:
+    Lines() { Memory::largestBlock = UINT32_MAX; }
+    /// Their numbers are their texts; "!" marks some.
+    void append(int first, int last, const std::vector<int> &marked = {})
+    {
+        for (int i = first; i <= last; ++i)
+            buffer.appendLine(std::to_string(i)
+                              + (std::count(marked.begin(), marked.end(), i) > 0 ? "!" : ""));
+    }
+    std::string rows() const
+    {
+        std::string text;
+        for (std::uint32_t i = 0; i < buffer.rowCount(); ++i)
+            text.append(buffer.line(i).empty() ? "-" : buffer.line(i)).append(" ");
+        return text;
+    }
+    void showMarked(int extraLines)
+    {
+        buffer.setExtraLines(extraLines);
+        buffer.addPattern(QStringLiteral("!"));
+        buffer.setMarkedOutputOnly(true);
+    }
+
+    CFilteredTextBuffer buffer{Memory::reallocate};
+};
+
+TEST_F(Lines, AreThoseOfThePlainModel)
+{
+    std::mt19937 random(1);
+    for (int run = 0; run < 300; ++run) {
+        std::vector<std::uint8_t> bytes(random() % 300);
+        std::generate(bytes.begin(), bytes.end(), [&] { return static_cast<std::uint8_t>(random()); });
+        ASSERT_TRUE(behaveAlike(bytes.data(), bytes.size())) << "run " << run;
+    }
+}
+
+TEST_F(Lines, OfAFullRingFallBehindByOneEachRound)
+{
+    buffer.setMaximumLineCount(3);
+    append(1, 7);
+    EXPECT_EQ(rows(), "7 5 6 ");
+    append(8, 8);
+    EXPECT_EQ(rows(), "8 6 7 ");
+    append(9, 11);
+    EXPECT_EQ(rows(), "10 11 9 ");
+}
+
+TEST_F(Lines, AroundMarkedOnesAreShownBeforeTheyCome)
+{
+    showMarked(2);
+    append(0, 12, {0, 10, 11});
+    EXPECT_EQ(rows(), "0! 1 2 8 9 10! 11! 12 11! 12 - ") << "what is shown already is marked once more";
+    buffer.clearAll();
+    append(0, 14, {10, 13});
+    EXPECT_EQ(rows(), "8 9 10! 11 12 13! 14 - ");
+    EXPECT_TRUE(buffer.line(-1).empty() && buffer.line(8).empty() && buffer.line(1LL << 32).empty());
+    buffer.setExtraLines(-1);
+    EXPECT_EQ(rows(), "10! 13! ");
+    buffer.setExtraLines(4000000000);
+    EXPECT_EQ(buffer.rowCount(), 2U * 100001 + 10);
+}
+
+TEST_F(Lines, AreEnteredOnceMoreForEachNewPattern)
+{
+    append(0, 10, {1, 5, 9});
+    showMarked(1);
+    const std::string once = "0 1! 2 4 5! 6 8 9! 10 ";
+    EXPECT_EQ(rows(), once);
+    buffer.addPattern(QStringLiteral("x"));
+    EXPECT_EQ(rows(), once + "1! 2 4 5! 6 8 9! 10 ");
+    buffer.setExtraLines(1);
+    EXPECT_EQ(rows(), once);
+    buffer.clearPatterns();
+    append(11, 11, {11});
+    EXPECT_EQ(rows(), "0 1! 2 3 4 5! 6 7 8 ") << "as many rows as before";
+    buffer.setMarkedOutputOnly(true);
+    EXPECT_EQ(rows(), "");
+}
+
+TEST_F(Lines, AreKeptInWhateverMemoryThereIs)
+{
+    buffer.sizeGrowthSteps(1024 * 2048); // 2048 bytes, 16 lines
+    showMarked(2);
+    Memory::largestBlock = 0;
+    append(0, 1);
+    EXPECT_EQ(rows(), "");
+    buffer.clearAll();
+    Memory::largestBlock = 2048;
+    append(0, 0);
+    buffer.appendLine(std::string(3000, 'x'));
+    EXPECT_EQ(buffer.line(0), "") << "no marker";
+    buffer.setMarkedOutputOnly(false);
+    EXPECT_EQ(buffer.line(0), std::string(2047, 'x')) << "what fits into the ring";
+    buffer.clearAll();
+    buffer.setMarkedOutputOnly(true);
+    append(0, 3, {0, 1, 2, 3});
+    Memory::largestBlock = 64;
+    append(4, 4, {4});
+    EXPECT_EQ(rows(), "1! 2! 3! 2! 3! 4! 3! 4! - ") << "less a quarter";
+    std::string places;
+    for (const std::string &line : linesOf(readFile(libraryFile("GYX-syslog-0.log"))))
+        places += line.substr(line.find('('), 5);
+    const std::string newPlaces = "(138)(106)(106)(106)(106)(220)";
+    EXPECT_EQ(places.substr(places.size() - std::min(places.size(), newPlaces.size())), newPlaces);
+}
+
+TEST_F(Lines, HoldOneByteForEachCharacter)
+{
+    buffer.appendLine(std::string("a\0b\0", 4));
+    buffer.appendLine(QString::fromUtf8("\xE2\x82\xAC \xC3\xA9"));
+    EXPECT_EQ(buffer.line(0), "a b ");
+    EXPECT_EQ(buffer.text(1), QString::fromLatin1("? \xE9"));
+    buffer.addPattern(QString::fromUtf8("\xE2\x82\xAC"));
+    EXPECT_LT(buffer.match(buffer.line(1)).position, 0) << "the character itself is nowhere";
+}
+
+TEST_F(Lines, MatchTheFirstPatternOfTheList)
+{
+    for (const char *const pattern : {"two", "one", "one", "x"})
+        buffer.addPattern(QLatin1String(pattern));
+    const PatternMatch match = buffer.match("one two");
+    EXPECT_TRUE(match.position == 4 && match.length == 3 && match.place == 0);
+    buffer.removePattern(QStringLiteral("one"));
+    EXPECT_EQ(buffer.patterns(), QStringLiteral("two|one|x")) << "one of two neighbours stays";
+}
+
+TEST_F(Lines, TakeWholeStepsOfMemoryUpTo4GiB)
+{
+    const auto reallocate = [](void *block, std::size_t bytes) { // more than 4 GiB is nothing special
+        return bytes > UINT32_MAX ? block : std::realloc(block, bytes);
+    };
+    GrowingBlock<char> block(reallocate, 100);
+    block.setGrowthStep(0); // what a system that does not know its memory says
+    for (const auto &[needed, capacity] : {std::pair(99U, 100U), {99U, 100U}, {100U, 200U}, {501U, 600U}})
+        EXPECT_TRUE(block.makeRoom(needed) && block.capacity() == capacity) << needed;
+    block.setGrowthStep(UINT32_MAX - 100);
+    EXPECT_TRUE(!block.makeRoom(600) && block.capacity() == 600);
+}
+
+} // namespace
