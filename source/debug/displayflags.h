@@ -1,20 +1,10 @@
 #pragma once
 
+#include "host/displayflagkeys.h"
+
 /// The word of display flags. Any thread.
 
 namespace Zorvan::displayflags {
-
-enum Flag : unsigned {
-    fileOutput = 1,
-    moduleName = 2,
-    classDescription = 4,
-    levelDescription = 8,
-    throwAssertion = 16,
-    allowProgrammaticClear = 32,
-    timeStamp = 256,
-    threadId = 512,
-    consoleOutput = 1024, ///< kept and reported; changes no sink
-};
 
 [[nodiscard]] unsigned word();
 [[nodiscard]] inline bool has(unsigned word, Flag flag)

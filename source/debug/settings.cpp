@@ -16,25 +16,8 @@ namespace {
 
 using displayflags::Flag;
 
-struct FlagSetting
-{
-    const char *key;
-    Flag flag;
-};
-
-/// Flags that a stored "on" switches on at the start; the module name is read before them and goes off
-/// otherwise.
-constexpr FlagSetting startFlags[] = {
-    {"DebugServerFileOutput", Flag::fileOutput},
-    {"DebugServerThrowAssert", Flag::throwAssertion},
-    {"DebugServerShowTimestamp", Flag::timeStamp},
-    {"DebugServerShowThreadID", Flag::threadId},
-    {"DebugServerConsoleOutput", Flag::consoleOutput},
-    {"DebugServerAllowClear", Flag::allowProgrammaticClear},
-};
-
 /// The words of settings strings, in their order.
-constexpr FlagSetting settingsWords[] = {
+constexpr displayflags::FlagKey settingsWords[] = {
     {"activateFileProtocol", Flag::fileOutput},
     {"throwAssertion", Flag::throwAssertion},
     {"displayTimeStamp", Flag::timeStamp},
@@ -80,8 +63,8 @@ void readStartSettings()
     platform::makeProgramDataFolder();
     setOutputFile(storedFileName());
     Debug::setMaxOutputFileSize(host::readInteger(QStringLiteral("DebugServerFileSize"), -1));
-    displayflags::change(Flag::moduleName, isSwitchedOn("DebugServerShowModule"));
-    for (const FlagSetting &setting : startFlags) {
+    displayflags::change(Flag::moduleName, isSwitchedOn(displayflags::storedModuleName.key));
+    for (const displayflags::FlagKey &setting : displayflags::storedFlags) {
         if (isSwitchedOn(setting.key))
             displayflags::change(setting.flag, true);
     }
@@ -89,7 +72,7 @@ void readStartSettings()
 
 void Debug::enableSettings(const QString &text)
 {
-    for (const FlagSetting &word : settingsWords)
+    for (const displayflags::FlagKey &word : settingsWords)
         displayflags::change(word.flag, text.contains(QLatin1String(word.key)));
     setupOutputEnabled(!text.contains(QLatin1String(disableOutputWord)));
 }
@@ -98,7 +81,7 @@ QString Debug::getEnabledSettings()
 {
     const unsigned flags = displayflags::word();
     QString text;
-    for (const FlagSetting &word : settingsWords) {
+    for (const displayflags::FlagKey &word : settingsWords) {
         if (displayflags::has(flags, word.flag))
             text += QLatin1String(word.key) + QLatin1Char(',');
     }

@@ -6,6 +6,7 @@
 #include "debugserverqueue/guibridge.h"
 #include "debugserverqueue/hookregistry.h"
 #include "debugserverqueue/hookthread.h"
+#include "debugserverqueue/librarynotice.h"
 #include "host/tablestate.h"
 #include "platform/process.h"
 
@@ -181,11 +182,9 @@ void Debug::installCppHookHandler(const char *key, QObject *object, void (QObjec
 {
     if (key == nullptr || object == nullptr || method == nullptr || TableState::hasGlobalReceiver())
         return;
-    println(libraryModule, 0,
-            QLatin1String("method Debug::installCppHookHandler(\"") + QLatin1String(key)
-                + QLatin1String("\") may become obsolete in a few versions. "
-                                "Please use Debug::installHook() instead."),
-            0);
+    libraryNotice(QLatin1String("method Debug::installCppHookHandler(\"") + QLatin1String(key)
+                  + QLatin1String("\") may become obsolete in a few versions. "
+                                  "Please use Debug::installHook() instead."));
     installAdapter(key, std::make_shared<HookObject>(object, method),
                    [object, method](const HookObject &adapter) { return adapter.isFor(object, method); });
 }

@@ -4,6 +4,7 @@
 #include "debugserverqueue/debugserverqueue.h"
 #include "debugserverqueue/events.h"
 #include "debugserverqueue/guibridge.h"
+#include "debugserverqueue/librarynotice.h"
 #include "host/hosthandlers.h"
 #include "host/tablestate.h"
 
@@ -41,13 +42,13 @@ void inform(const QString &caption, const QString &text)
 bool canAsk(const Refusals &refusals)
 {
     if (!guibridge::usingQt() || !guibridge::canShowWindows()) {
-        Debug::println(libraryModule, 0, refusals.noQt, 0);
+        libraryNotice(refusals.noQt);
         return false;
     }
     if (guibridge::guiThreadId() == nullptr)
         Debug::println(libraryModule, 0, refusals.noGuiThreadId, 2);
     if (!guibridge::eventLoopRunning()) {
-        Debug::println(libraryModule, 0, refusals.noEventLoop, 0);
+        libraryNotice(refusals.noEventLoop);
         return false;
     }
     return true;
@@ -105,7 +106,7 @@ int doMessageBox(std::unique_ptr<BoxMsg> request)
     }
     const std::optional<int> answer = askGuiThread(std::move(request), boxcodes::noAnswer);
     if (!answer)
-        Debug::println(libraryModule, 0, boxRefusals().noEventLoop, 0);
+        libraryNotice(boxRefusals().noEventLoop);
     return answer.value_or(boxcodes::noAnswer);
 }
 
@@ -151,7 +152,7 @@ void doFileSelect(FileQuestion question)
     if (const std::optional<QString> path = askGuiThread(std::move(request), QString()))
         setChosenPath(*path);
     else
-        Debug::println(libraryModule, 0, fileRefusals().noEventLoop, 0);
+        libraryNotice(fileRefusals().noEventLoop);
 }
 
 } // namespace
@@ -187,7 +188,7 @@ void Debug::removeMessageBox(int id)
     if (guibridge::usingQt() && guibridge::eventLoopRunning())
         guibridge::post(std::make_unique<RemoveMsg>(id));
     else
-        println(libraryModule, 0, boxRefusals().noQt, 0);
+        libraryNotice(boxRefusals().noQt);
 }
 
 const QString &Debug::debugFileSelect(const QString &caption, const QString &directory, const QString &filter)

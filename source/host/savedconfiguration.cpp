@@ -1,23 +1,12 @@
 #include "host/savedconfiguration.h"
 
+#include "host/displayflagkeys.h"
 #include "host/hosthandlers.h"
 #include "host/modulenames.h"
 
 namespace Zorvan::host {
 
 namespace {
-
-struct FlagKey
-{
-    const char *key;
-    int flag; ///< of Debug::getDisplayFlags()
-};
-
-constexpr FlagKey flagKeys[] = {
-    {"DebugServerFileOutput", 1},     {"DebugServerThrowAssert", 16}, {"DebugServerShowTimestamp", 256},
-    {"DebugServerShowThreadID", 512}, {"DebugServerShowModule", 2},   {"DebugServerConsoleOutput", 1024},
-    {"DebugServerAllowClear", 32},
-};
 
 void write(const char *key, const QString &value)
 {
@@ -39,11 +28,17 @@ void saveModules()
         Debug::makeCurrentSettingsDefault(id);
 }
 
+void saveFlag(const displayflags::FlagKey &stored)
+{
+    const bool isOn = (static_cast<unsigned>(Debug::getDisplayFlags()) & stored.flag) != 0;
+    write(stored.key, isOn ? QStringLiteral("On") : QStringLiteral("Off"));
+}
+
 void saveFlags()
 {
-    const int flags = Debug::getDisplayFlags();
-    for (const FlagKey &entry : flagKeys)
-        write(entry.key, (flags & entry.flag) != 0 ? QStringLiteral("On") : QStringLiteral("Off"));
+    saveFlag(displayflags::storedModuleName);
+    for (const displayflags::FlagKey &stored : displayflags::storedFlags)
+        saveFlag(stored);
 }
 
 } // namespace
