@@ -146,12 +146,14 @@ std::uint32_t CFilteredTextBuffer::rowCount() const
     return m_markedOutputOnly ? m_filterIndex.rowCount() : m_lineCount;
 }
 
-std::uint32_t CFilteredTextBuffer::slotOf(std::int64_t row) const
+std::uint32_t CFilteredTextBuffer::slotOf(Rows rows, std::int64_t row) const
 {
     if (row < 0 || m_lineCount == 0)
         return noSlot;
-    if (!isFiltering())
-        return static_cast<std::uint32_t>((m_ringStart + static_cast<std::uint64_t>(row)) % m_lineCount);
+    if (rows == Rows::Stored || !isFiltering()) {
+        const std::uint64_t slot = m_ringStart + static_cast<std::uint64_t>(row);
+        return static_cast<std::uint32_t>(slot < m_lineCount ? slot : slot % m_lineCount); // divides seldom
+    }
     return row < m_filterIndex.rowCount() ? m_filterIndex.slotOf(static_cast<std::uint32_t>(row)) : noSlot;
 }
 
@@ -162,14 +164,111 @@ const char *CFilteredTextBuffer::textOf(std::uint32_t slot) const
 
 std::string_view CFilteredTextBuffer::line(std::int64_t row) const
 {
-    const std::uint32_t slot = slotOf(row);
+    const std::uint32_t slot = slotOf(Rows::Shown, row);
     return slot < m_lineCount ? std::string_view(textOf(slot)) : std::string_view();
 }
 
 QString CFilteredTextBuffer::text(std::int64_t row) const
 {
-    const std::string_view bytes = line(row);
+    const std::string_view bytes = line(row).substr(0, mostCharactersOfString);
     return QString::fromLatin1(bytes.data(), static_cast<int>(bytes.size()));
+}
+
+/// The slot behind the last of those that follow each other as the rows do.
+std::uint32_t CFilteredTextBuffer::endOfSequence(Rows rows, std::int64_t row, std::int64_t end) const
+{
+    const std::uint32_t first = slotOf(rows, row);
+    const std::int64_t most = std::min<std::int64_t>(end - row, m_lineCount - first);
+    if (rows == Rows::Stored || !isFiltering())
+        return first + static_cast<std::uint32_t>(most);
+    std::uint32_t length = 1;
+    while (length < std::min<std::int64_t>(most, mostLinesOfRun)
+           && slotOf(rows, row + length) == first + length)
+        ++length;
+    return first + length;
+}
+
+/// A run: slots whose lines lie one behind the other. Until the ring begins, all do; then a line may have
+/// been written over, so that it ends early or in a newer line.
+std::uint32_t CFilteredTextBuffer::endOfRun(std::uint32_t first, std::uint32_t end) const
+{
+    if (!m_wraparound)
+        return end;
+    const std::uint32_t most = std::min(end - first, mostLinesOfRun);
+    std::uint32_t length = 1;
+    for (const char *line = textOf(first); length < most; ++length) {
+        const char *const next = line + std::strlen(line) + 1;
+        if (textOf(first + length) != next)
+            break;
+        line = next;
+    }
+    return first + length;
+}
+
+std::string_view CFilteredTextBuffer::textOfRun(std::uint32_t first, std::uint32_t end) const
+{
+    const char *const text = textOf(first);
+    const char *const lastLine = textOf(end - 1);
+    return {text, static_cast<std::size_t>(lastLine - text) + std::strlen(lastLine)};
+}
+
+Stretch CFilteredTextBuffer::stretch(Rows rows, std::int64_t row, std::int64_t end) const
+{
+    const std::uint32_t first = slotOf(rows, row);
+    if (first >= m_lineCount)
+        return {{}, 1};
+    const std::uint32_t runEnd = endOfRun(first, endOfSequence(rows, row, std::max(end, row + 1)));
+    return {textOfRun(first, runEnd), runEnd - first};
+}
+
+/// The row that a place in the text of shown rows belongs to.
+std::int64_t CFilteredTextBuffer::rowAt(std::int64_t firstRow, const Stretch &rows, std::size_t place) const
+{
+    if (rows.rowCount == 1)
+        return firstRow;
+    const std::uint32_t *const first = m_lineStarts.elements() + slotOf(Rows::Shown, firstRow);
+    return firstRow + (std::upper_bound(first, first + rows.rowCount, *first + place) - first) - 1;
+}
+
+std::int64_t CFilteredTextBuffer::findDown(const TextPattern &pattern, std::int64_t row) const
+{
+    const std::int64_t end = rowCount();
+    for (std::int64_t i = std::max<std::int64_t>(row, 0); i < end;) {
+        const Stretch rows = stretch(Rows::Shown, i, end);
+        const std::size_t found = pattern.findIn(rows.text);
+        if (found != TextPattern::notFound)
+            return rowAt(i, rows, found);
+        i += rows.rowCount;
+    }
+    return -1;
+}
+
+/// More rows at once the longer it takes: near the last hit there is often another.
+std::int64_t CFilteredTextBuffer::findUp(const TextPattern &pattern, std::int64_t row) const
+{
+    std::int64_t end = std::min<std::int64_t>(row, std::int64_t(rowCount()) - 1) + 1;
+    for (std::int64_t count = 4; end > 0; count = std::min<std::int64_t>(2 * count, mostLinesOfRun)) {
+        const std::int64_t begin = std::max<std::int64_t>(end - count, 0);
+        const std::int64_t found = findLast(pattern, begin, end);
+        if (found >= 0)
+            return found;
+        end = begin;
+    }
+    return -1;
+}
+
+std::int64_t CFilteredTextBuffer::findLast(const TextPattern &pattern, std::int64_t row,
+                                           std::int64_t end) const
+{
+    std::int64_t last = -1;
+    for (std::int64_t i = row; i < end;) {
+        const Stretch rows = stretch(Rows::Shown, i, end);
+        const std::size_t found = pattern.findIn(rows.text);
+        if (found != TextPattern::notFound)
+            last = rowAt(i, rows, found);
+        i = found != TextPattern::notFound ? last + 1 : i + rows.rowCount;
+    }
+    return last;
 }
 
 PatternMatch CFilteredTextBuffer::match(std::string_view text) const
@@ -240,8 +339,9 @@ void CFilteredTextBuffer::setMarkedOutputOnly(bool on)
     }
     const WaitCursor cursor;
     for (std::uint32_t slot = 0; slot < m_lineCount;) {
-        const std::uint32_t end = endOfRun(slot);
-        indexRun(slot, end);
+        const std::uint32_t end = endOfShortRun(slot);
+        if (!indexRun(slot, end))
+            return; // without memory, what was found so far is shown
         slot = end;
     }
 }
@@ -255,50 +355,39 @@ void CFilteredTextBuffer::setExtraLines(std::int64_t count)
     setMarkedOutputOnly(true);
 }
 
-/// A run: lines that lie one behind the other as their slots do. The ring makes exceptions, one line at least
-/// is a run.
-std::uint32_t CFilteredTextBuffer::endOfRun(std::uint32_t first) const
+std::uint32_t CFilteredTextBuffer::endOfShortRun(std::uint32_t first) const
 {
-    const std::uint32_t most = std::min(m_lineCount - first, mostLinesOfRun);
-    std::uint32_t length = 1;
-    for (std::uint32_t last = m_lineStarts[first]; length < most; ++length) {
-        const std::uint32_t next = m_lineStarts[first + length];
-        if (next <= last || next - m_lineStarts[first] > mostBytesOfRun || m_text[next - 1] != '\0')
-            break;
-        last = next;
-    }
-    return first + length;
+    const std::uint32_t end = endOfRun(first, first + std::min(m_lineCount - first, mostLinesOfRun));
+    const std::uint32_t *const starts = m_lineStarts.elements();
+    const std::uint64_t behind = std::uint64_t(starts[first]) + mostBytesOfRun;
+    return static_cast<std::uint32_t>(std::upper_bound(starts + first + 1, starts + end, behind) - starts);
 }
 
-void CFilteredTextBuffer::indexRun(std::uint32_t first, std::uint32_t end)
+bool CFilteredTextBuffer::indexRun(std::uint32_t first, std::uint32_t end)
 {
     std::array<bool, mostLinesOfRun> isMarked{};
     for (const TextPattern &pattern : m_patterns)
         findInRun(pattern, first, end, isMarked.data());
     for (std::uint32_t slot = first; slot < end; ++slot) {
-        if (isMarked[slot - first])
-            m_filterIndex.enter(slot, m_extraLines); // without memory, what was found so far is shown
+        if (isMarked[slot - first] && !m_filterIndex.enter(slot, m_extraLines))
+            return false;
     }
+    return true;
 }
 
-/// Searches the run as a whole. Where the ring has written newer lines over a line, a zero byte may end it
-/// early: what is found behind is not in it.
 void CFilteredTextBuffer::findInRun(const TextPattern &pattern, std::uint32_t first, std::uint32_t end,
                                     bool *isMarked) const
 {
-    const char *const lastLine = textOf(end - 1);
-    const char *const endOfText = lastLine + std::strlen(lastLine);
+    const std::string_view text = textOfRun(first, end);
     for (std::uint32_t slot = first; slot < end; ++slot) {
-        const char *const rest = textOf(slot);
-        const std::size_t distance = pattern.findIn({rest, static_cast<std::size_t>(endOfText - rest)});
+        const auto searched = static_cast<std::size_t>(textOf(slot) - text.data());
+        const std::size_t distance = pattern.findIn(text.substr(searched));
         if (distance == TextPattern::notFound)
             return;
-        const char *const found = rest + distance;
+        const char *const found = textOf(slot) + distance;
         while (slot + 1 < end && textOf(slot + 1) <= found)
             ++slot;
-        const char *const line = textOf(slot);
-        if (!m_wraparound || std::memchr(line, 0, static_cast<std::size_t>(found - line)) == nullptr)
-            isMarked[slot - first] = true;
+        isMarked[slot - first] = true;
     }
 }
 

@@ -7,6 +7,7 @@
 #include <QString>
 
 #include <cstdlib>
+#include <limits>
 #include <string_view>
 #include <vector>
 
@@ -18,6 +19,16 @@ struct PatternMatch
     std::int64_t position = -1; ///< in the text; -1: no pattern is in it
     std::int64_t length = 0; ///< of the pattern
     std::int64_t place = -1; ///< of the pattern in the list
+};
+
+/// What a QString can hold.
+constexpr std::size_t mostCharactersOfString = std::numeric_limits<int>::max() / 2 - 64;
+
+/// Rows whose lines lie one behind the other in memory.
+struct Stretch
+{
+    std::string_view text; ///< with a zero byte between two lines
+    std::int64_t rowCount = 0;
 };
 
 /// All lines of the debug window, and on request an index of those that contain one of the user's patterns.
@@ -63,8 +74,21 @@ public:
     /// Valid until the buffer changes. Empty for a row without a line: index entries may stand for lines that
     /// have not come yet.
     [[nodiscard]] std::string_view line(std::int64_t row) const;
-    /// The same for painting and copying.
+    /// The same for painting; of what is too long for a QString, the beginning.
     [[nodiscard]] QString text(std::int64_t row) const;
+
+    enum class Rows {
+        Shown, ///< rowCount() of them
+        Stored, ///< lineCount() of them, whether or not only marked lines are shown
+    };
+    /// As many rows as can be had at once: from \a row on, at least that one, none from \a end on. Valid
+    /// until the buffer changes.
+    [[nodiscard]] Stretch stretch(Rows rows, std::int64_t row, std::int64_t end) const;
+
+    /// The nearest row from \a row on, downwards or upwards, that has the pattern in its line; -1: none has.
+    /// Rows that do not exist are passed over.
+    [[nodiscard]] std::int64_t findDown(const TextPattern &pattern, std::int64_t row) const;
+    [[nodiscard]] std::int64_t findUp(const TextPattern &pattern, std::int64_t row) const;
 
     /// The order of the list decides, not the position.
     [[nodiscard]] PatternMatch match(std::string_view text) const;
@@ -94,12 +118,17 @@ private:
     std::string_view store(std::string_view text);
     [[nodiscard]] bool isNearEnd(std::uint32_t bytes) const;
     [[nodiscard]] bool isFiltering() const { return m_hasPatterns && m_markedOutputOnly; }
-    [[nodiscard]] std::uint32_t slotOf(std::int64_t row) const;
+    [[nodiscard]] std::uint32_t slotOf(Rows rows, std::int64_t row) const;
     [[nodiscard]] const char *textOf(std::uint32_t slot) const;
+    [[nodiscard]] std::uint32_t endOfSequence(Rows rows, std::int64_t row, std::int64_t end) const;
+    [[nodiscard]] std::uint32_t endOfRun(std::uint32_t first, std::uint32_t end) const;
+    [[nodiscard]] std::string_view textOfRun(std::uint32_t first, std::uint32_t end) const;
+    [[nodiscard]] std::int64_t rowAt(std::int64_t firstRow, const Stretch &rows, std::size_t place) const;
+    [[nodiscard]] std::int64_t findLast(const TextPattern &pattern, std::int64_t row, std::int64_t end) const;
 
     void indexNewLine(std::string_view stored);
-    [[nodiscard]] std::uint32_t endOfRun(std::uint32_t first) const;
-    void indexRun(std::uint32_t first, std::uint32_t end);
+    [[nodiscard]] std::uint32_t endOfShortRun(std::uint32_t first) const;
+    bool indexRun(std::uint32_t first, std::uint32_t end);
     void findInRun(const TextPattern &pattern, std::uint32_t first, std::uint32_t end, bool *isMarked) const;
 
     GrowingBlock<char> m_text;

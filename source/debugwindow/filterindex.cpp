@@ -6,13 +6,11 @@ namespace Zorvan {
 
 bool FilterIndex::makeRoom(std::uint64_t more)
 {
-    if (!m_entries.makeRoom(m_count + more))
-        return false;
-    if ((m_first + m_count + more) * sizeof(std::uint32_t) > m_entries.capacity()) {
-        std::copy_n(&entry(0), m_count, m_entries.elements());
+    if (m_first > 0 && !m_entries.hasRoom(m_count + more)) { // it may grow: the first entry to its begin
+        std::rotate(m_entries.elements(), &m_entries[m_first], m_entries.elements() + places());
         m_first = 0;
     }
-    return true;
+    return m_entries.makeRoom(m_count + more);
 }
 
 /// Of the lines before it, only those that follow the last entry: no negative slot either, when there is
@@ -29,6 +27,13 @@ bool FilterIndex::enter(std::uint32_t slot, std::uint32_t extraLines)
     return true;
 }
 
+/// The caller lowers their count.
+void FilterIndex::dropFirst(std::uint32_t count)
+{
+    const std::size_t place = std::size_t(m_first) + count;
+    m_first = static_cast<std::uint32_t>(place < places() ? place : place - places());
+}
+
 void FilterIndex::lowerCount(std::uint64_t by)
 {
     m_count -= static_cast<std::uint32_t>(std::min<std::uint64_t>(by, m_count));
@@ -39,14 +44,14 @@ void FilterIndex::dropOverwritten(std::uint32_t ringStart, std::uint32_t extraLi
 {
     if (m_count < 2 || entry(0) >= ringStart)
         return;
-    ++m_first;
+    dropFirst(1);
     lowerCount(2 * std::uint64_t(extraLines) + 1);
 }
 
 void FilterIndex::dropOldestQuarter()
 {
     const std::uint32_t quarter = m_count / 4;
-    m_first += quarter;
+    dropFirst(quarter);
     lowerCount(quarter);
 }
 

@@ -38,10 +38,16 @@ public:
     void clear();
 
 private:
-    /// The memory of entries that were dropped at the front is used again when the end of the block is
-    /// reached: moving all entries for each dropped one would take longer than anything else in a full ring.
-    [[nodiscard]] std::uint32_t &entry(std::size_t i) const { return m_entries[m_first + i]; }
+    /// The memory of entries that were dropped at the front is used again behind the end of the block: moving
+    /// all entries for each dropped one would take longer than anything else in a full ring.
+    [[nodiscard]] std::uint32_t &entry(std::size_t i) const
+    {
+        const std::size_t place = m_first + i;
+        return m_entries[place < places() ? place : place - places()];
+    }
+    [[nodiscard]] std::size_t places() const { return m_entries.capacity() / sizeof(std::uint32_t); }
     bool makeRoom(std::uint64_t more);
+    void dropFirst(std::uint32_t count);
     void lowerCount(std::uint64_t by);
 
     GrowingBlock<std::uint32_t> m_entries;

@@ -30,12 +30,14 @@ public:
 
     /// How many elements the block grows by; 0 leaves the step as it is.
     void setGrowthStep(std::uint32_t step) { m_step = step > 0 ? step : m_step; }
+    /// For more than \a count elements.
+    [[nodiscard]] bool hasRoom(std::uint64_t count) const { return count * sizeof(Element) < m_capacity; }
     /// Grows unless there is room for more than \a count elements. False: as grownBlock().
     bool makeRoom(std::uint64_t count)
     {
-        const std::uint64_t needed = count * sizeof(Element);
-        if (needed < m_capacity)
+        if (hasRoom(count))
             return true;
+        const std::uint64_t needed = count * sizeof(Element);
         void *const grown =
             grownBlock(m_reallocate, m_elements, m_capacity, needed, m_step * sizeof(Element));
         if (grown != nullptr)

@@ -25,11 +25,11 @@ public:
     [[nodiscard]] std::size_t findIn(std::string_view bytes) const;
 
 private:
-    [[nodiscard]] std::size_t findAmong(std::uint64_t candidates, const char *places) const;
-
     QString m_text;
     std::string m_bytes;
     bool m_canOccur;
+    std::size_t m_rarest = 0; // place of the byte that is likely to be the rarest in lines
+    std::size_t m_secondRarest = 0;
 };
 
 } // namespace Zorvan

@@ -65,4 +65,6 @@ void IKeyInterface::activationChanged(QWidget *, bool) {}
 IHookInterface::~IHookInterface() = default;
 void IHookInterface::hookActivated(char *, char *) {}
 
+IAnalysisOutputInterface::~IAnalysisOutputInterface() = default;
+
 } // namespace Zorvan

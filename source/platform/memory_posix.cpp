@@ -2,6 +2,7 @@
 #include "platform/memory.h"
 
 #include <cstdlib>
+#include <sys/mman.h>
 #include <unistd.h>
 
 namespace Zorvan::platform {
@@ -34,6 +35,15 @@ std::uint64_t availablePhysicalMemory()
     return pages < 0 || pageBytes < 0
         ? 0
         : static_cast<std::uint64_t>(pages) * static_cast<std::uint64_t>(pageBytes);
+}
+
+void preferLargePages(void *block, std::size_t bytes)
+{
+    const auto pageBytes = static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE));
+    const auto begin = reinterpret_cast<std::uintptr_t>(block);
+    const std::uintptr_t firstPage = (begin + pageBytes - 1) / pageBytes * pageBytes;
+    if (firstPage - begin < bytes) // a hint: whether or not it is taken, the block is the same
+        madvise(reinterpret_cast<void *>(firstPage), bytes - (firstPage - begin), MADV_HUGEPAGE);
 }
 
 } // namespace Zorvan::platform

@@ -11,4 +11,6 @@ std::uint64_t availablePhysicalMemory()
     return GlobalMemoryStatusEx(&status) == 0 ? 0 : status.ullAvailPhys;
 }
 
+void preferLargePages(void * /*block*/, std::size_t /*bytes*/) {} // a right that few users have
+
 } // namespace Zorvan::platform

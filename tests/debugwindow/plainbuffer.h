@@ -1,6 +1,6 @@
 #pragma once
 
-#include "debugwindow/filteredtextbuffer.h"
+#include "debugwindow/rowcopy.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -97,6 +97,10 @@ public:
         const std::size_t line = isFiltering() ? index[indexStart + row] : (ringStart + row) % starts.size();
         return line < starts.size() ? text.c_str() + starts[line] : "";
     }
+    std::string_view storedLine(std::size_t row) const
+    {
+        return text.c_str() + starts[(ringStart + row) % starts.size()];
+    }
 
 private:
     bool isFiltering() const { return markedOnly && !patterns.empty(); }
@@ -149,13 +153,14 @@ private:
     bool wraps = false, markedOnly = false;
 };
 
+inline const char *const testPatterns[] = {"a", "bc", "7", "g\xE9", "xxx", "3cd", "xxxxxxxxxxxab", ""};
+
 template <typename Buffer>
 void operate(Buffer &buffer, unsigned operation, unsigned value, std::size_t number)
 {
-    const char *const patterns[] = {"a", "bc", "7", "g\xE9", "xxx", "3cd", "xxxxxxxxxxxab", ""};
     switch (operation) {
     case 0:
-        return buffer.addPattern(QLatin1String(patterns[value % 8]));
+        return buffer.addPattern(QLatin1String(testPatterns[value % 8]));
     case 1:
         return buffer.clearPatterns();
     case 2:
@@ -180,6 +185,36 @@ void operate(Buffer &buffer, unsigned operation, unsigned value, std::size_t num
     }
 }
 
+inline bool findAlike(const CFilteredTextBuffer &buffer, const PlainBuffer &plain, unsigned value)
+{
+    const char *const text = testPatterns[value % 8];
+    const auto count = static_cast<std::int64_t>(plain.rowCount());
+    const std::int64_t from = value * count / 200 - 1;
+    const auto isIn = [&](std::int64_t row) {
+        return plain.line(static_cast<std::size_t>(row)).find(text) != std::string_view::npos;
+    };
+    std::int64_t down = std::max<std::int64_t>(from, 0);
+    while (down < count && !isIn(down))
+        ++down;
+    std::int64_t up = std::min(from, count - 1);
+    while (up >= 0 && !isIn(up))
+        --up;
+    const TextPattern pattern{QString(QLatin1String(text))};
+    return buffer.findDown(pattern, from) == (down < count ? down : -1) && buffer.findUp(pattern, from) == up;
+}
+
+inline bool copyAlike(const CFilteredTextBuffer &buffer, const PlainBuffer &plain)
+{
+    std::string shown;
+    for (std::size_t row = 0; row < plain.rowCount(); ++row)
+        shown.append(shown.empty() ? "" : "\n").append(plain.line(row));
+    std::string stored;
+    for (std::size_t row = 0; row < plain.lineCount(); ++row)
+        stored.append(row == 0 ? "" : "\n").append(plain.storedLine(row));
+    return copiedText(buffer, {}) == QString::fromLatin1(shown.data(), static_cast<int>(shown.size()))
+        && allLines(buffer).toStdString() == stored;
+}
+
 /// Has the buffer and its model do what bytes say. False: they came to differ.
 inline bool behaveAlike(const std::uint8_t *bytes, std::size_t size)
 {
@@ -195,8 +230,10 @@ inline bool behaveAlike(const std::uint8_t *bytes, std::size_t size)
         areEqual = buffer.lineCount() == plain.lineCount() && buffer.rowCount() == plain.rowCount();
         for (std::size_t row = 0; areEqual && row < plain.rowCount(); row += 1 + plain.rowCount() / 4096)
             areEqual = buffer.line(static_cast<std::int64_t>(row)) == plain.line(row);
+        areEqual = areEqual && findAlike(buffer, plain, bytes[i + 1]);
+        areEqual = areEqual && (i % 32 != 0 || copyAlike(buffer, plain));
     }
-    return areEqual;
+    return areEqual && copyAlike(buffer, plain);
 }
 
 } // namespace Zorvan::test

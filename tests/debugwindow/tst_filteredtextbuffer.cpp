@@ -139,6 +139,22 @@ TEST_F(Lines, MatchTheFirstPatternOfTheList)
     EXPECT_EQ(buffer.patterns(), QStringLiteral("two|one|x")) << "one of two neighbours stays";
 }
 
+TEST(APattern, IsFoundWhereItFirstBegins)
+{
+    std::mt19937 random(2);
+    const auto text = [&random](std::size_t length) {
+        std::string letters(length, 'a');
+        for (char &letter : letters)
+            letter = "aaaab"[random() % 5];
+        return letters;
+    };
+    for (int i = 0; i < 20000; ++i) {
+        const std::string block = text(random() % 250);
+        const std::string pattern = text(random() % 14);
+        ASSERT_EQ(TextPattern(QString::fromStdString(pattern)).findIn(block), block.find(pattern)) << block;
+    }
+}
+
 TEST_F(Lines, TakeWholeStepsOfMemoryUpTo4GiB)
 {
     const auto reallocate = [](void *block, std::size_t bytes) { // more than 4 GiB is nothing special

@@ -139,6 +139,23 @@ public:
     virtual void hookActivated(char *key, char *parameters);
 };
 
+/// Takes the results of the analysis tools. Texts and rows come on the thread that produced them.
+class ZORVAN_EXPORT IAnalysisOutputInterface
+{
+public:
+    virtual ~IAnalysisOutputInterface();
+    /// A finished line, and where in the library's sources it was made.
+    virtual void textOutput(const char *source, int line, const char *text) = 0;
+    /// Comes before the rows of a table: how many there are, the sums of their cycles and calls, and the
+    /// earliest and the latest time stamp. All zeros if nothing was measured.
+    virtual void summary(int records, qint64 totalCycles, qint64 reserved, qint64 calls,
+                         quint64 earliestStamp, quint64 latestStamp) = 0;
+    /// One method in one thread.
+    virtual void tableRow(int row, const char *methodName, quint64 reference, int calls, quint64 startStamp,
+                          qint64 totalCycles, qint64 overheadCycles) = 0;
+    virtual void tableComplete() = 0;
+};
+
 /// The facade: modules, printing, settings, life cycle, and the road into the GUI thread. All members are
 /// static.
 ///
@@ -318,7 +335,8 @@ public:
     static IKeyInterface *getKeyboardHandler();
     /// Takes the place of the library's message boxes; null: the boxes are back.
     static void installMessageBoxHandler(IMessageBoxInterface *handler);
-    /// A debug window made by the host, used by the next queue that is made; never deleted.
+    /// A debug window that stays the host's, used by the next queue that is made, and by that one alone. For
+    /// a host that is built together with the library's widgets: this header does not declare the class.
     static void setExtWindow(DebugWindow *window);
     /// @}
 
@@ -342,7 +360,9 @@ public:
     static void setGuiThreadId(void *id);
     /// Title of the debug window; kept for a window that is made later, dropped without a queue.
     static void setWindowTitle(const QString &title);
-    /// Shows the debug window and brings it to the front.
+    /// Shows the debug window and brings it to the front. The application must be a QApplication. The window
+    /// also shows itself with the first lines that no remote client takes, unless the setting
+    /// "noWindowOutput" of the group "DebugServer" is 1.
     static void showDebugWindow();
     /// Ask the debug window to show the present hooks and levels, or the present names and prefixes.
     static void queueRedraw();

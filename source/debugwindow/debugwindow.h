@@ -1,0 +1,115 @@
+#pragma once
+
+#include "debugwindow/icons.h"
+#include "debugwindow/parameterhistory.h"
+#include "debugwindow/windowfonts.h"
+#include "debugwindow/windowtoolbar.h"
+
+#include <zorvan/debug.h>
+
+#include <QByteArray>
+#include <QTimer>
+#include <QWidget>
+
+#include <optional>
+#include <string_view>
+
+namespace Zorvan {
+
+class AnalysisTexts;
+class HandlerReports;
+class QProtocolWidget;
+
+/// The window in which a person watches the host: its messages, its hooks, and the switches of the debug
+/// output. Settings come from the host's store when it is made and go back on "Make Default".
+///
+/// The GUI thread only, but for the analysis output, which any thread may hand in. A host callback, a dialog
+/// or a menu may lead to the end of the library and of this window.
+class DebugWindow : public QWidget, public IAnalysisOutputInterface
+{
+    Q_OBJECT
+
+public:
+    /// \a name is not shown; the title comes from the settings.
+    explicit DebugWindow(const QString &name);
+    ~DebugWindow() override;
+
+    /// \name For the queue
+    /// @{
+
+    /// Shows a batch of Latin-1 lines, "\n" between them, or drops it while the output is off.
+    void appendOutput(std::string_view lines);
+    void clearText();
+    /// All lines, also those that only marked output hides, in Latin-1 with "\n" between them.
+    [[nodiscard]] QByteArray allLines() const;
+    /// Switches the output on or off; what it was does not matter.
+    void setOutputOn(bool on);
+    /// Fills the hook selector anew.
+    void refreshHooks();
+    /// While a hook with a thread of its own runs, none can be started from here; afterwards its field has
+    /// the keyboard again.
+    void hookStarted();
+    void hookDone();
+    /// While remote clients take the output, only the log can be cleared here.
+    void setClientsConnected(bool connected);
+    /// Reads server and client mode again.
+    void updateModes();
+    /// @}
+
+    void textOutput(const char *source, int line, const char *text) override;
+    void summary(int records, qint64 totalCycles, qint64 reserved, qint64 calls, quint64 earliestStamp,
+                 quint64 latestStamp) override;
+    void tableRow(int row, const char *methodName, quint64 reference, int calls, quint64 startStamp,
+                  qint64 totalCycles, qint64 overheadCycles) override;
+    void tableComplete() override;
+
+    /// Whether no window appends lines or runs a hook at this moment. Any thread.
+    [[nodiscard]] static bool isOutputIdle();
+
+    Q_SLOT void hook();
+    Q_SLOT void makeDefault();
+    Q_SLOT void clear();
+    Q_SLOT void outputOff();
+    Q_SLOT void reset();
+    Q_SLOT void configuration();
+    Q_SLOT void analyzing();
+    Q_SLOT void typedInput(const QString &text);
+    Q_SLOT void enteredInput(const QString &text);
+    Q_SLOT void timeout();
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+    void closeEvent(QCloseEvent *event) override;
+
+private:
+    void connectControls();
+    void restoreFilters();
+    void showFonts();
+    [[nodiscard]] bool filterParameterKey(const QObject *watched, const QKeyEvent &event);
+
+    void run(int command);
+    void copyToClipboard();
+    void saveToFile();
+    void setOutputFont();
+    void setUserInterfaceFont();
+    // Nothing if the user cancelled, or if this window is gone.
+    [[nodiscard]] std::optional<QString> askLogPath();
+    [[nodiscard]] std::optional<QFont> askFont(const QFont &present);
+    [[nodiscard]] QRect place() const;
+
+    const IconResource m_icons; // before the controls that show them
+    WindowFonts m_fonts;
+    const int m_maximumLineCount;
+    const QRect m_restoredPlace;
+    QString m_savedLog;
+    HandlerReports *const m_reports;
+    AnalysisTexts *const m_analysisTexts;
+    WindowToolBar *const m_tools;
+    QProtocolWidget *const m_view;
+    ParameterHistory m_parameterHistory;
+    QTimer m_completionTimer;
+    ControlLocks m_locks;
+    bool m_isOutputOff = false;
+};
+
+} // namespace Zorvan

@@ -1,0 +1,160 @@
+// What the settings menu of the debug window does.
+
+#include "debugwindow/debugwindow.h"
+#include "debugwindow/handlerreports.h"
+#include "debugwindow/protocolwidget.h"
+#include "debugwindow/savedlog.h"
+#include "debugwindow/settingsmenu.h"
+#include "debugwindow/windowgeometry.h"
+#include "host/hosthandlers.h"
+#include "host/savedconfiguration.h"
+
+#include <QClipboard>
+#include <QFileDialog>
+#include <QFontDialog>
+#include <QGuiApplication>
+#include <QMenu>
+#include <QPointer>
+#include <QPushButton>
+
+namespace Zorvan {
+
+namespace {
+
+ClientEntry clientEntry()
+{
+    if (Debug::isServer() || Debug::isClient())
+        return ClientEntry::Absent;
+    return Debug::clientsAllowed() ? ClientEntry::Checked : ClientEntry::Unchecked;
+}
+
+} // namespace
+
+void DebugWindow::configuration()
+{
+    const QPointer<DebugWindow> kept(this);
+    const QPointer<QMenu> menu(new QMenu(this));
+    menu->setFont(font());
+    fillSettingsMenu(*menu, clientEntry());
+    int command = 0;
+    {
+        const OwnModal modal(*m_reports);
+        const QPushButton &button = *m_tools->settings;
+        if (const QAction *const chosen = menu->exec(button.mapToGlobal(button.rect().bottomLeft())))
+            command = chosen->data().toInt();
+    }
+    delete menu;
+    if (kept)
+        run(command);
+}
+
+void DebugWindow::run(int command)
+{
+    switch (static_cast<SettingsCommand>(command)) {
+    case SettingsCommand::AllowClients:
+        Debug::setClientsAllowed(!Debug::clientsAllowed());
+        break;
+    case SettingsCommand::CopyToClipboard:
+        copyToClipboard();
+        break;
+    case SettingsCommand::SaveToFile:
+        saveToFile();
+        break;
+    case SettingsCommand::SetOutputFont:
+        setOutputFont();
+        break;
+    case SettingsCommand::SetUserInterfaceFont:
+        setUserInterfaceFont();
+        break;
+    case SettingsCommand::MakeDefault:
+        makeDefault();
+        break;
+    case SettingsCommand::ConfigureMessages:
+        break;
+    }
+}
+
+void DebugWindow::copyToClipboard()
+{
+    QGuiApplication::clipboard()->setText(m_view->copyText());
+}
+
+void DebugWindow::saveToFile()
+{
+    const std::optional<QString> path = askLogPath();
+    if (path && savedlog::write(*path, m_view->copyText()))
+        m_savedLog = *path;
+}
+
+std::optional<QString> DebugWindow::askLogPath()
+{
+    const savedlog::Place place = savedlog::startingPlace(m_savedLog);
+    const QPointer<QFileDialog> dialog(
+        new QFileDialog(this, tr("Save logging as..."), place.folder, tr("DebugServer Log Files (*.log)")));
+    dialog->setAcceptMode(QFileDialog::AcceptSave);
+    dialog->setFileMode(QFileDialog::AnyFile);
+    dialog->selectFile(place.name);
+    const OwnModal modal(*m_reports);
+    std::optional<QString> path;
+    if (dialog->exec() == QDialog::Accepted && dialog)
+        path = dialog->selectedFiles().value(0);
+    delete dialog;
+    return path;
+}
+
+void DebugWindow::setOutputFont()
+{
+    if (const std::optional<QFont> chosen = askFont(m_fonts.output)) {
+        m_fonts.output = *chosen;
+        showFonts();
+    }
+}
+
+void DebugWindow::setUserInterfaceFont()
+{
+    if (const std::optional<QFont> chosen = askFont(m_fonts.userInterface)) {
+        m_fonts.userInterface = *chosen;
+        showFonts();
+    }
+}
+
+std::optional<QFont> DebugWindow::askFont(const QFont &present)
+{
+    const QPointer<QFontDialog> dialog(new QFontDialog(present, this));
+    const OwnModal modal(*m_reports);
+    std::optional<QFont> chosen;
+    if (dialog->exec() == QDialog::Accepted && dialog)
+        chosen = dialog->selectedFont();
+    delete dialog;
+    return chosen;
+}
+
+void DebugWindow::makeDefault()
+{
+    const QPointer<DebugWindow> kept(this);
+    const QString analysisPlace = host::readString(QStringLiteral("DebugAnalysisWindowGeometry"), QString());
+    if (!kept)
+        return;
+    Settings settings;
+    settings.emplace_back("DebugServerWindowGeometry", windowgeometry::formatted(place()));
+    settings.emplace_back("DebugAnalysisWindowGeometry", analysisPlace); // there is no such window yet
+    addFontSettings(settings, m_fonts);
+    settings.emplace_back("DebugServerSavedLog", m_savedLog);
+    for (const auto &[key, value] : settings) {
+        host::writeString(QString::fromLatin1(key), value);
+        if (!kept)
+            return;
+    }
+    host::saveConfiguration();
+}
+
+/// The client rectangle. A window that is where it was put keeps the place that led there: real frames are
+/// not as wide as it is reckoned with, and it would wander a little at each start.
+QRect DebugWindow::place() const
+{
+    if (pos() == windowgeometry::framePosition(m_restoredPlace))
+        return {m_restoredPlace.topLeft(), size()};
+    return geometry();
+}
+
+} // namespace Zorvan

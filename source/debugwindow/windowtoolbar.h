@@ -1,0 +1,57 @@
+#pragma once
+
+#include <QStringList>
+#include <QWidget>
+
+#include <cstdint>
+
+class QComboBox;
+class QPushButton;
+
+namespace Zorvan {
+
+/// Why controls of the window cannot be used; reasons add up.
+struct ControlLocks
+{
+    bool clientsConnected = false; ///< remote clients have the say: only the log can be cleared
+    bool serverMode = false;
+    bool hookRuns = false;
+};
+
+/// The row of controls above the messages. Wraps in a narrow window.
+class WindowToolBar : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit WindowToolBar(QWidget *parent);
+
+    /// Refills the selector, \a keys in their order; what was selected stays so if it is there.
+    void setHooks(const QStringList &keys);
+    [[nodiscard]] bool hasHooks() const { return m_hasHooks; }
+    void setLocks(const ControlLocks &locks);
+    /// Shows what pressing the button would do next.
+    void showOutputOff(bool isOff);
+    void showLineCount(std::uint32_t count);
+
+    // From left to right.
+    QPushButton *const outputOff;
+    QPushButton *const clearLog;
+    QComboBox *const hooks;
+    QComboBox *const parameters;
+    QPushButton *const activate;
+    QPushButton *const settings;
+    QPushButton *const analyze;
+
+protected:
+    void changeEvent(QEvent *event) override;
+
+private:
+    void fitHooks();
+    void enableControls();
+
+    bool m_hasHooks = false;
+    ControlLocks m_locks;
+};
+
+} // namespace Zorvan
