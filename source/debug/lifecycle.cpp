@@ -1,6 +1,7 @@
 // Start and stop of the library.
 
 #include "debug/displayflags.h"
+#include "debug/exitquestion.h"
 #include "debug/moduletable.h"
 #include "debug/outputfile.h"
 #include "debug/outputgate.h"
@@ -9,6 +10,7 @@
 #include "debugserverqueue/guibridge.h"
 #include "debugserverqueue/hooks.h"
 #include "host/hosthandlers.h"
+#include "host/outputswitch.h"
 #include "host/silentmessagebox.h"
 
 namespace Zorvan {
@@ -70,6 +72,7 @@ bool addUser()
     const bool isFirst = s_users.fetch_add(1) == 0;
     if (isFirst)
         finishEnd();
+    host::installOutputSwitch(setupOutputEnabled);
     guibridge::setEndHandler(endWithApplication);
     guibridge::watchApplicationEnd();
     if (!isFirst)
@@ -100,6 +103,7 @@ void releaseModules()
 /// still run may print and are waited for, so the table stays unlocked.
 void endLibrary()
 {
+    offerToSaveWindowText();
     guibridge::Ending ending;
     ending.deleteQueue();
     releaseModules();

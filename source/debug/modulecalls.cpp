@@ -65,6 +65,7 @@ moduleId Debug::createModule(const char *name, const char *description)
     if (name && std::strcmp(name, "DebugServerClient") == 0) {
         checkConfig();
         guibridge::setClientMode();
+        guibridge::switchWindowOff();
     }
     // -1 without a table: any other id would belong to a module made after initDebug().
     const moduleId id = moduleTable().add();

@@ -79,7 +79,10 @@ void DebugServerQueue::timeout()
     guibridge::readOutputSettings();
     if (kept && isInUse())
         m_remoteAccess.dropLaggards();
-    if (kept && isInUse()) // the lines belong to its successor otherwise
+    if (kept && isInUse() && wantsWindow())
+        makeWindow();
+    if (kept && isInUse()
+        && !m_isMakingWindow) // the lines belong to its successor otherwise, or have to wait
         deliverLines();
 }
 
@@ -91,15 +94,24 @@ bool DebugServerQueue::isInUse() const
 
 void DebugServerQueue::deliverLines()
 {
-    if (!m_remoteAccess.hasClients())
-        guibridge::deliverLines(m_batch);
-    else if (guibridge::takeLines(m_batch))
+    if (m_remoteAccess.hasClients())
+        deliverToClients();
+    else if (m_window.get() != nullptr && !guibridge::isWindowOutputDropped())
+        deliverToWindow();
+    else
+        guibridge::deliverLines(m_batch); // no window can be shown, or none is wanted
+}
+
+void DebugServerQueue::deliverToClients()
+{
+    if (m_remoteAccess.hasClients() && guibridge::takeLines(m_batch))
         m_remoteAccess.send(m_batch);
 }
 
-void DebugServerQueue::closeRemoteAccess()
+void DebugServerQueue::closeDetached()
 {
     m_remoteAccess.closeDetached();
+    m_window.end();
 }
 
 // As a filter of the application it sees the events of all objects, and numbers of its events may mean
@@ -129,6 +141,8 @@ void DebugServerQueue::handle(QEvent *event)
     case QueueEvent::Start:
         if (!m_isStarted)
             start();
+        else if (m_window.get() != nullptr)
+            m_window.get()->clearText();
         break;
     case QueueEvent::LinesWait:
         armTimer();
@@ -148,15 +162,24 @@ void DebugServerQueue::handle(QEvent *event)
     }
     case QueueEvent::HookDone:
         hooks::reap(static_cast<HookDoneMsg *>(event)->thread);
+        if (static_cast<HookDoneMsg *>(event)->forWindow && m_window.get() != nullptr)
+            m_window.get()->hookDone();
         break;
     case QueueEvent::Server:
         openOrCloseServer(static_cast<ServerEventMsg *>(event)->allowed);
         break;
     case QueueEvent::Redraw:
+        if (m_window.get() != nullptr)
+            m_window.get()->refreshHooks();
+        break;
     case QueueEvent::Rebuild:
+        break; // the window shows no names and prefixes
     case QueueEvent::ShowWindow:
+        showWindow();
+        break;
     case QueueEvent::Title:
-        break; // they concern the window alone
+        showTitle();
+        break;
     }
 }
 

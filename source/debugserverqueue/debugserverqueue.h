@@ -1,5 +1,6 @@
 #pragma once
 
+#include "debugserverqueue/outputwindow.h"
 #include "debugserverqueue/remoteaccess.h"
 
 #include <zorvan/debug.h>
@@ -14,9 +15,9 @@ namespace Zorvan {
 
 class BoxPresenter;
 
-/// The one object that lives in the GUI thread and does there what other threads ask for: it shows their
-/// lines in batches or sends them to remote clients, shows their message boxes and file selections, and joins
-/// their hook threads.
+/// The one object that lives in the GUI thread and does there what other threads ask for: it brings their
+/// lines to the debug window or to remote clients, in batches, shows their message boxes and file selections,
+/// and joins their hook threads.
 ///
 /// Other threads reach it through guibridge only. It is made in whatever thread first needs it and moves to
 /// the application's thread; everything but the constructor runs there, the destructor included.
@@ -36,10 +37,20 @@ public:
     [[nodiscard]] static bool useDaemon();
     static void readUseDaemon();
 
-    /// Delivers the lines that wait, to the remote clients if there are any. Calls nobody: locks may be held.
-    void deliverLines();
-    /// Closes the port of a queue that is detached: its successor may want it.
-    void closeRemoteAccess();
+    /// Delivers the lines that wait to the remote clients, if there are any. Calls nobody: locks may be held.
+    void deliverToClients();
+    /// Delivers them to the window, if there is one and no client takes them.
+    void deliverToWindow();
+    /// The window; null if there is none.
+    [[nodiscard]] DebugWindow *window() const { return m_window.get(); }
+    /// What became of the window's state elsewhere; nothing happens without a window.
+    void clientCountChanged();
+    void modesChanged();
+    void hookStarted();
+    /// Unless in server mode.
+    void switchWindowOff();
+    /// For a queue that is detached: closes its port, which its successor may want, and its window.
+    void closeDetached();
 
     /// A host may call it when its event loop is up; otherwise the queue finds out by its first event.
     Q_SLOT static void guiRunning();
@@ -53,6 +64,11 @@ private:
     void start();
     void armTimer();
     void openOrCloseServer(bool allowed);
+    void deliverLines();
+    [[nodiscard]] bool wantsWindow() const;
+    bool makeWindow();
+    void showWindow();
+    void showTitle();
     [[nodiscard]] bool isInUse() const;
 
     bool m_isStarted = false;
@@ -60,6 +76,8 @@ private:
     std::unique_ptr<BoxPresenter> m_boxes;
     bool m_clientsWanted = false; ///< the last request
     RemoteAccess m_remoteAccess;
+    OutputWindow m_window;
+    bool m_isMakingWindow = false;
     std::string m_batch; ///< its memory goes back and forth between this and the lines that wait
 };
 

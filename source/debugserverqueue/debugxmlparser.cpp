@@ -1,8 +1,8 @@
 #include "debugserverqueue/debugxmlparser.h"
 
+#include "debugserverqueue/guibridge.h"
 #include "debugserverqueue/unitlimits.h"
 #include "host/modulenames.h"
-#include "host/savedconfiguration.h"
 
 #include <zorvan/debug.h>
 
@@ -81,7 +81,7 @@ void executeConfig(const Attributes &attributes)
     if (has(attributes, "outputfilter"))
         Debug::setOutputFilter(unescaped(valueOf(attributes, "outputfilter")));
     else if (has(attributes, "makedefault"))
-        host::saveConfiguration();
+        guibridge::makeDefault();
 }
 
 struct Command

@@ -74,15 +74,18 @@ public:
     PendingAnswer<QString> answer; ///< gets the chosen path, empty if the user cancelled
 };
 
+/// Without a thread if none could be started.
 class HookDoneMsg final : public QEvent
 {
 public:
-    explicit HookDoneMsg(QThread *finished)
+    HookDoneMsg(QThread *finished, bool windowFollows)
         : QEvent(eventType(QueueEvent::HookDone))
         , thread(finished)
+        , forWindow(windowFollows)
     {}
 
     QThread *const thread;
+    const bool forWindow; ///< the window knows of its start
 };
 
 class ServerEventMsg final : public QEvent

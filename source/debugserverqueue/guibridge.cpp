@@ -7,6 +7,7 @@
 #include "debugserverqueue/pendinglines.h"
 #include "debugserverqueue/showndialog.h"
 #include "host/hosthandlers.h"
+#include "host/savedconfiguration.h"
 #include "host/tablestate.h"
 #include "platform/process.h"
 #include "platform/standardoutput.h"
@@ -31,6 +32,7 @@ std::atomic<bool> s_clientMode{false};
 std::atomic<int> s_clientCount{0};
 std::atomic<void *> s_guiThreadId{nullptr};
 std::atomic<DebugWindow *> s_externalWindow{nullptr};
+std::atomic<bool> s_hasWindow{false};
 std::atomic<void (*)()> s_endHandler{nullptr};
 
 // Whether a queue may be made, and whether there is one.
@@ -97,6 +99,31 @@ bool makeQueue()
     return true;
 }
 
+DebugWindow *windowHere()
+{
+    DebugServerQueue *const here = queueHere();
+    return here != nullptr ? here->window() : nullptr;
+}
+
+/// Has the window follow something when the loop gets to it: the caller may hold locks.
+void tellWindowLater(void (DebugServerQueue::*what)())
+{
+    if (!s_hasWindow.load())
+        return;
+    const Locked guard(road().handOver);
+    if (road().queue != nullptr)
+        QMetaObject::invokeMethod(road().queue, what, Qt::QueuedConnection);
+}
+
+/// The same, but at once if the caller is in the window's thread.
+void tellWindow(void (DebugServerQueue::*what)())
+{
+    if (DebugServerQueue *const here = queueHere())
+        (here->*what)();
+    else
+        tellWindowLater(what);
+}
+
 /// Reads what the host has to say to a new queue. Its reader may print: the queue takes lines already.
 void readQueueSettings()
 {
@@ -117,6 +144,7 @@ DebugServerQueue *detachQueue()
     DebugServerQueue *const queue = std::exchange(road().queue, nullptr);
     s_queueExists.store(false, std::memory_order_release);
     road().title = QString();
+    s_hasWindow.store(false);
     if (queue) {
         QCoreApplication::removePostedEvents(queue); // their ends answer whoever waits
         road().retired.push_back(queue);
@@ -142,7 +170,7 @@ void deleteLater(DebugServerQueue *queue)
     if (std::find(road().retired.begin(), road().retired.end(), queue) == road().retired.end())
         return;
     // A host that only handles events now and then, without a loop, never gets to the deletion.
-    QMetaObject::invokeMethod(queue, &DebugServerQueue::closeRemoteAccess, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(queue, &DebugServerQueue::closeDetached, Qt::QueuedConnection);
     queue->deleteLater();
 }
 
@@ -316,6 +344,11 @@ void forgetWaitingLines()
     road().lines.forgetCount();
 }
 
+bool linesWait()
+{
+    return road().lines.hasLines();
+}
+
 bool takeLines(std::string &batch)
 {
     const Locked guard(road().delivery);
@@ -325,7 +358,7 @@ bool takeLines(std::string &batch)
 void deliverLines(std::string &batch)
 {
     const Locked guard(road().delivery);
-    if (road().lines.take(batch) && !s_windowOutputDropped.load(std::memory_order_relaxed))
+    if (road().lines.take(batch) && !isWindowOutputDropped())
         platform::writeStandardOutput(batch += '\n');
 }
 
@@ -334,6 +367,11 @@ void readOutputSettings()
     static std::atomic<bool> isRead{false};
     if (!isRead.exchange(true)) // before reading: the host's reader may lead here again
         s_windowOutputDropped.store(host::readInteger(QStringLiteral("noWindowOutput"), 0) == 1);
+}
+
+bool isWindowOutputDropped()
+{
+    return s_windowOutputDropped.load(std::memory_order_relaxed);
 }
 
 void clear()
@@ -382,9 +420,20 @@ void setExternalWindow(DebugWindow *window)
     s_externalWindow.store(window);
 }
 
+DebugWindow *takeExternalWindow()
+{
+    return s_externalWindow.exchange(nullptr);
+}
+
+void setHasWindow(bool has)
+{
+    s_hasWindow.store(has);
+}
+
 void setClientMode()
 {
     s_clientMode.store(true);
+    tellWindowLater(&DebugServerQueue::modesChanged);
 }
 
 bool isClientMode()
@@ -395,11 +444,42 @@ bool isClientMode()
 void setClientCount(int count)
 {
     s_clientCount.store(count);
+    tellWindow(&DebugServerQueue::clientCountChanged);
 }
 
 int clientCount()
 {
     return s_clientCount.load();
+}
+
+void announceModes()
+{
+    tellWindow(&DebugServerQueue::modesChanged);
+}
+
+void switchWindowOff()
+{
+    tellWindowLater(&DebugServerQueue::switchWindowOff);
+}
+
+void announceHookStart()
+{
+    tellWindow(&DebugServerQueue::hookStarted);
+}
+
+void makeDefault()
+{
+    if (DebugWindow *const window = windowHere())
+        window->makeDefault();
+    else
+        host::saveConfiguration();
+}
+
+DebugWindow *windowWithAllLines()
+{
+    if (DebugServerQueue *const here = queueHere())
+        here->deliverToWindow();
+    return windowHere(); // filters of the host have seen what happened to the window
 }
 
 void applicationGone()
@@ -462,11 +542,13 @@ Ending::Ending()
 {
     if (queueExists())
         readOutputSettings();
+    if (DebugServerQueue *const here = queueHere())
+        here->deliverToWindow(); // with no lock held: filters of the host see what happens to the window
     const Locked table(TableState::lock());
     s_endings.fetch_add(1);
     if (DebugServerQueue *const here = queueHere()) {
         m_isGuiThread = true;
-        here->deliverLines();
+        here->deliverToClients();
     }
     m_queue = detachQueue();
     deliverLastLines();
@@ -484,7 +566,7 @@ void Ending::deleteQueue()
     if (m_queue)
         ShownDialog::endAll(); // hooks may wait for them
     if (m_queue && m_isGuiThread)
-        m_queue->closeRemoteAccess();
+        m_queue->closeDetached();
     hooks::endThreads();
     if (m_queue == nullptr)
         return;

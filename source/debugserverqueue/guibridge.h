@@ -48,14 +48,17 @@ void announceLines();
 [[nodiscard]] std::int32_t waitingLines();
 /// Counts anew from here; the lines go on waiting.
 void forgetWaitingLines();
-/// Delivers the lines that wait, as one batch, where no remote client takes them. Any thread: in this version
-/// the standard output takes it. \a batch lends its memory; see PendingLines::take().
+[[nodiscard]] bool linesWait();
+/// Delivers the lines that wait, as one batch, to the standard output, where there is neither a remote client
+/// nor a window; drops them if isWindowOutputDropped(). Any thread. \a batch lends its memory; see
+/// PendingLines::take().
 void deliverLines(std::string &batch);
-/// Takes the lines that wait, for remote clients. GUI thread. False: there was none.
+/// Takes the lines that wait, for remote clients or the window. GUI thread. False: there was none.
 [[nodiscard]] bool takeLines(std::string &batch);
 /// Asks the host, once per process, whether batches are dropped that only a window would take. Before the
 /// first batch is delivered, with no lock held: the host may do anything, even end the library.
 void readOutputSettings();
+[[nodiscard]] bool isWindowOutputDropped();
 /// Drops the lines that wait and clears the window's text.
 void clear();
 
@@ -70,12 +73,26 @@ void setEventLoopRunning(bool running);
 void setGuiThreadId(void *id);
 [[nodiscard]] void *guiThreadId();
 void setExternalWindow(DebugWindow *window);
+/// For the next queue: nobody else gets it.
+[[nodiscard]] DebugWindow *takeExternalWindow();
 /// The table was reset for a remote client that mirrors another process; see Debug::createModule().
 void setClientMode();
 [[nodiscard]] bool isClientMode();
-/// How many remote clients are connected.
+/// How many remote clients are connected. The window follows, at once if the caller is in its thread.
 void setClientCount(int count);
 [[nodiscard]] int clientCount();
+/// Have the window follow the mode of the process, or the start of a hook with a thread of its own.
+void announceModes();
+/// Has the window drop its output, unless in server mode.
+void switchWindowOff();
+void announceHookStart();
+/// Stores the configuration as the host's default, with the window's own settings if there is one. In the
+/// thread of the queue or without a queue. Runs code of the host.
+void makeDefault();
+/// The window, after it has got all lines that wait; null if there is none, and outside its thread.
+[[nodiscard]] DebugWindow *windowWithAllLines();
+/// For the queue: there is a window now.
+void setHasWindow(bool has);
 
 /// Forgets the GUI thread and the state of its loop when the application they belonged to is gone.
 void applicationGone();

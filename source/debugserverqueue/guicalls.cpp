@@ -62,6 +62,7 @@ bool Debug::clientsAllowed()
 void Debug::setServerMode(bool on)
 {
     s_serverMode.store(on);
+    guibridge::announceModes();
 }
 
 bool Debug::isServer()

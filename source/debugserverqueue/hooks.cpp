@@ -209,7 +209,9 @@ void Debug::activateHooks(const char *key, const char *parameters)
     if (found.direct)
         callHandlers(found.handlers, key, parameters);
     else
-        startHookWorker(std::make_shared<hookThread>(key, parameters, std::move(found.handlers)));
+        startHookWorker(std::make_shared<hookThread>(key, parameters, std::move(found.handlers),
+                                                     isNotificationKey(key) ? HookWorker::Window::Unaware
+                                                                            : HookWorker::Window::Follows));
 }
 
 QString *Debug::getHooks(int &count)

@@ -39,12 +39,13 @@ void HookWorker::run()
     hookRegistry().threadBegins(this);
     work();
     hookRegistry().threadEnds(this);
-    guibridge::post(std::make_unique<HookDoneMsg>(this));
+    guibridge::post(std::make_unique<HookDoneMsg>(this, m_window == Window::Follows));
     platform::handOver(this);
 }
 
-hookThread::hookThread(std::string key, std::string parameters, HookHandlers handlers)
-    : m_key(std::move(key))
+hookThread::hookThread(std::string key, std::string parameters, HookHandlers handlers, Window window)
+    : HookWorker(window)
+    , m_key(std::move(key))
     , m_parameters(std::move(parameters))
     , m_handlers(std::move(handlers))
 {}
@@ -61,11 +62,15 @@ void startHookWorker(const std::shared_ptr<HookWorker> &worker)
         for (const std::shared_ptr<QThread> &ended : hookRegistry().takeEndedThreads())
             joinHookWorker(*ended);
     }
+    const bool windowFollows = worker->window() == HookWorker::Window::Follows;
+    if (windowFollows)
+        guibridge::announceHookStart();
     if (hookRegistry().addThread(worker)) {
         if (startThread(*worker))
             return;
         hookRegistry().dropThread(worker.get());
     }
+    guibridge::post(std::make_unique<HookDoneMsg>(nullptr, windowFollows));
     libraryNotice(QStringLiteral("++++ no thread could be started for a hook!"));
 }
 

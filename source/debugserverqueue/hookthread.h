@@ -9,18 +9,31 @@ namespace Zorvan {
 /// A thread on behalf of a hook: does its work, then has itself joined. See startHookWorker().
 class HookWorker : public QThread
 {
+public:
+    enum class Window {
+        Unaware,
+        Follows, ///< the debug window starts no hook meanwhile
+    };
+
+    explicit HookWorker(Window window)
+        : m_window(window)
+    {}
+    [[nodiscard]] Window window() const { return m_window; }
+
 protected:
     virtual void work() = 0;
 
 private:
     void run() final;
+
+    const Window m_window;
 };
 
 /// Runs the handlers of one activation.
 class hookThread final : public HookWorker
 {
 public:
-    hookThread(std::string key, std::string parameters, HookHandlers handlers);
+    hookThread(std::string key, std::string parameters, HookHandlers handlers, Window window);
 
 protected:
     void work() override;
@@ -35,7 +48,11 @@ private:
 class assertThread final : public HookWorker
 {
 public:
-    explicit assertThread(const QString &text) { setObjectName(text); }
+    explicit assertThread(const QString &text)
+        : HookWorker(Window::Unaware)
+    {
+        setObjectName(text);
+    }
 
 protected:
     void work() override {}

@@ -85,6 +85,12 @@ bool PendingLines::dropOldest()
     return !std::exchange(m_overflown, true);
 }
 
+bool PendingLines::hasLines() const
+{
+    const platform::Locked guard(m_lock);
+    return !isEmpty();
+}
+
 bool PendingLines::take(std::string &batch)
 {
     batch.clear();

@@ -28,6 +28,7 @@ public:
     /// Sets the counter to 0 and moves all lines into \a batch, with a line feed between them. False: there
     /// was none, \a batch is empty. Give the same text again and again: its memory is used for later lines.
     bool take(std::string &batch);
+    [[nodiscard]] bool hasLines() const ZORVAN_EXCLUDES(m_lock);
     /// Drops all lines.
     void clear();
 

@@ -46,7 +46,7 @@ void reportChosenPort(const QHostAddress &address, int port)
 }
 
 /// With room for the line end: all clients are sent this one copy.
-QByteArray recordOf(const std::string &lines)
+QByteArray recordOf(std::string_view lines)
 {
     const int size = static_cast<int>(lines.size());
     QByteArray record;
@@ -104,7 +104,7 @@ void RemoteAccess::dropLaggards()
         m_server->dropLaggards();
 }
 
-void RemoteAccess::send(const std::string &lines)
+void RemoteAccess::send(std::string_view lines)
 {
     m_server->send(recordOf(lines));
 }

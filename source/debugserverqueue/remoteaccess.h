@@ -4,7 +4,7 @@
 
 #include <QString>
 
-#include <string>
+#include <string_view>
 
 namespace Zorvan {
 
@@ -42,7 +42,7 @@ public:
     /// Drops the clients that do not read. Printing the notices may end the library, this object included.
     void dropLaggards();
     /// Sends a batch of lines to all clients. With clients only. Calls nobody: locks may be held.
-    void send(const std::string &lines);
+    void send(std::string_view lines);
 
 private:
     void setOpen(bool open);

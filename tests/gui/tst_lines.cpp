@@ -13,7 +13,7 @@ using Lines = std::vector<std::string>;
 
 namespace {
 
-/// Whether the host has widgets or only an event loop.
+/// What kind of application the host has. Without widgets there is no window for the lines.
 class HostLines : public ::testing::TestWithParam<const char *>
 {
 protected:
@@ -105,21 +105,11 @@ TEST_P(HostLines, ArriveAtTheEndOfAProcessThatKeepsItsApplication)
     EXPECT_EQ(placeOf(lines, "other"), 1);
 }
 
-INSTANTIATE_TEST_SUITE_P(Gui, HostLines, ::testing::Values("widgets"));
+INSTANTIATE_TEST_SUITE_P(Gui, HostLines, ::testing::Values("gui"));
 INSTANTIATE_TEST_SUITE_P(Console, HostLines, ::testing::Values("core"));
 
 class WidgetHostLines : public HostLines
 {};
-
-TEST_P(WidgetHostLines, AreThereWhenAModalBoxOpens)
-{
-    const Lines lines = run("boxes");
-    ASSERT_EQ(lines.size(), 4U);
-    EXPECT_EQ(placeOf(lines, "before the modal box"), 0);
-    EXPECT_EQ(lines[1], "modal box");
-    EXPECT_EQ(lines[2], "other box");
-    EXPECT_EQ(placeOf(lines, "before the other box"), 3);
-}
 
 TEST_P(WidgetHostLines, AreDiscardedWithoutWindowOutput)
 {

@@ -243,6 +243,40 @@ TEST_F(DaemonLinks, ModalBoxesAreAnnouncedWhileTheyWaitForTheirUser)
     EXPECT_TRUE(receives("<progress>messageStart</progress><progress>messageStop</progress><exit/>"));
 }
 
+/// Ends the library with text in its window; what is in the output file then.
+std::string fileAfterExitQuestion(const std::string &file)
+{
+    const test::TestApplication<QApplication> application;
+    test::MapHost host;
+    host.store("enableQuitMessage", 1);
+    host.store("DebugServerFile", file.c_str());
+    Debug::initDebug();
+    Debug::println(2, 0, QStringLiteral("one\ntwo"), 0);
+    EXPECT_TRUE(test::runUntil([] { return !test::windowText().empty(); }));
+    Debug::println(2, 0, QStringLiteral("on its way"), 0);
+    Debug::exitDebug();
+    return test::readFile(file);
+}
+
+TEST_F(DaemonLinks, TheTextOfTheWindowIsSavedAtTheEndIfTheUserWantsThat)
+{
+    installDaemon("DebugDaemon");
+    const std::string file = m_folder / "saved";
+    const std::string header = "<debug message>, <+ CRITICAL +>: ";
+    EXPECT_EQ(fileAfterExitQuestion(file),
+              header + "one\r\n" + header + "two\r\n" + header + "on its way\r\n");
+    EXPECT_TRUE(receives("<msgbox>4[#]KLV exit message[#]The application has now finished and all resources "
+                         "are released.\n\nDo you want to save the remaining messages in file\n'"
+                         + file + "' ?[#]16384[#]65792</msgbox><exit/>"));
+}
+
+TEST_F(DaemonLinks, TheTextOfTheWindowIsNotSavedIfTheUserDoesNotWantThat)
+{
+    installDaemon("DebugDaemon");
+    m_answers.set("65536");
+    EXPECT_EQ(fileAfterExitQuestion(m_folder / "saved"), "");
+}
+
 int openSockets()
 {
     int count = 0;

@@ -44,7 +44,7 @@ protected:
     {
         host.store("serverPort", port);
         Debug::installHook("note", &notes, true);
-        runOn();
+        takeWindowText();
     }
     ~RemoteTest() override { Debug::exitDebug(); }
 
@@ -58,6 +58,16 @@ protected:
             return texts.size() >= expected.size();
         }));
         EXPECT_EQ(texts, expected);
+    }
+
+    /// The first client would get it: that the port is open.
+    void takeWindowText()
+    {
+        Greeted first(port);
+        EXPECT_TRUE(first.waitFor("\r\n"));
+        first.close();
+        EXPECT_TRUE(first.waitForDisconnect());
+        runOn();
     }
 
     const quint16 port;

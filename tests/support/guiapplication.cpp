@@ -1,7 +1,9 @@
 #include "support/guiapplication.h"
 
 #include <QAbstractButton>
+#include <QClipboard>
 #include <QEventLoop>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QPointer>
 #include <QPushButton>
@@ -110,6 +112,28 @@ void clickButton(QDialog &dialog, const char *text)
     }
     ADD_FAILURE() << "no button " << text << " beside " << buttonsOf(dialog);
     dialog.close();
+}
+
+QWidget *debugWindow()
+{
+    for (QWidget *const window : QApplication::topLevelWidgets()) {
+        if (window->inherits("Zorvan::DebugWindow"))
+            return window;
+    }
+    return nullptr;
+}
+
+std::string windowText()
+{
+    for (QWidget *const view : QApplication::allWidgets()) {
+        if (!view->inherits("Zorvan::QProtocolWidget"))
+            continue;
+        QGuiApplication::clipboard()->clear();
+        QKeyEvent copy(QEvent::KeyPress, Qt::Key_C, Qt::ControlModifier);
+        QCoreApplication::sendEvent(view, &copy);
+        return QGuiApplication::clipboard()->text().toStdString();
+    }
+    return {};
 }
 
 Robot::Robot()

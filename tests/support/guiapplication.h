@@ -66,6 +66,11 @@ auto inWorker(Work work)
 /// Fails the test if there is no such button.
 void clickButton(QDialog &dialog, const char *text);
 
+/// The library's debug window; null if there is none.
+[[nodiscard]] QWidget *debugWindow();
+/// What it shows, as its user copies it.
+[[nodiscard]] std::string windowText();
+
 /// Plays the user, in the thread of the application: acts once on each dialog that opens. A dialog that
 /// nobody expected is closed and fails the test.
 class Robot : public QObject

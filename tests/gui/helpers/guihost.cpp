@@ -142,29 +142,6 @@ void leaveWithoutEnd(MapHost &)
     print("other");
 }
 
-/// A modal box has the lines before it on the screen when it opens; a non-modal one does not hurry.
-template <typename Application>
-void printBeforeBoxes(MapHost &)
-{
-    const TestApplication<Application> application;
-    Debug::initDebug();
-    QCoreApplication::processEvents();
-    Robot robot;
-    const auto ask = [](bool modal) {
-        return Debug::debugMessageBox(QStringLiteral("caption"), QStringLiteral("text"), modal, 0, 1, 0, 0);
-    };
-    print("before the modal box");
-    robot.then([](QDialog &dialog) {
-        say("modal box");
-        dialog.close();
-    });
-    ask(true);
-    print("before the other box");
-    ask(false);
-    say("other box");
-    Debug::exitDebug();
-}
-
 template <typename Application>
 void forkWithWaitingLines(MapHost &)
 {
@@ -198,7 +175,6 @@ void run(const char *mode, MapHost &host)
         {"stages", printInEveryStage<Application>},
         {"clear", dropWaitingLines<Application>},
         {"nowindow", printWithoutWindowOutput<Application, false>},
-        {"boxes", printBeforeBoxes<Application>},
         {"fork", forkWithWaitingLines<Application>},
         {"nowindowatend", printWithoutWindowOutput<Application, true>},
         {"leak", leaveWithoutEnd<Application>}};
@@ -215,6 +191,8 @@ int main(int argc, char **argv)
     MapHost host;
     if (std::strcmp(argv[2], "core") == 0)
         run<QCoreApplication>(argv[1], host);
+    else if (std::strcmp(argv[2], "gui") == 0)
+        run<QGuiApplication>(argv[1], host);
     else
         run<QApplication>(argv[1], host);
     return 0;

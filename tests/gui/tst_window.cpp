@@ -1,0 +1,271 @@
+// The debug window on the road of the lines: when it comes, what it gets, and how it ends.
+
+#include "boxtest.h"
+#include "debugwindow/debugwindow.h"
+#include "public/hookrecorder.h"
+#include "support/remoteclient.h"
+
+#include <QComboBox>
+#include <QPointer>
+#include <QPushButton>
+
+#include <thread>
+
+using namespace Zorvan;
+using namespace Zorvan::test;
+
+namespace {
+
+void print(const QString &text)
+{
+    Debug::println(kernel, 0, text, 0);
+}
+
+void print(const char *text)
+{
+    print(QString::fromLatin1(text));
+}
+
+bool shows(const std::string &text)
+{
+    return windowText().find(text) != std::string::npos;
+}
+
+/// The numbers behind the last '#' of each line.
+std::vector<int> numbersIn(const QByteArray &text)
+{
+    std::vector<int> numbers;
+    for (const QByteArray &line : text.split('\n')) {
+        if (line.contains('#'))
+            numbers.push_back(line.mid(line.lastIndexOf('#') + 1).toInt());
+    }
+    return numbers;
+}
+
+class Window : public BoxTest
+{
+protected:
+    void waitForWindow()
+    {
+        print("first");
+        ASSERT_TRUE(runUntil([] { return shows("first"); }));
+    }
+    static QPushButton *button(const char *text)
+    {
+        for (QPushButton *const each : debugWindow()->findChildren<QPushButton *>()) {
+            if (each->text() == QLatin1String(text))
+                return each;
+        }
+        giveUp(text);
+    }
+    static std::string hooksInWindow()
+    {
+        const auto *const hooks = debugWindow()->findChild<QComboBox *>();
+        std::string all;
+        for (int i = 0; i < hooks->count(); ++i)
+            all += hooks->itemText(i).toStdString() + ' ';
+        return all;
+    }
+};
+
+TEST_F(Window, ComesWithTheFirstLineAndAfterwardsOnlyWhenAskedFor)
+{
+    runOn();
+    EXPECT_EQ(debugWindow(), nullptr);
+    Debug::setWindowTitle(QStringLiteral("before"));
+    waitForWindow();
+    EXPECT_TRUE(debugWindow()->isVisible());
+    EXPECT_EQ(debugWindow()->windowTitle(), QStringLiteral("before"));
+    debugWindow()->close();
+    print("while it is closed");
+    EXPECT_TRUE(runUntil([] { return shows("while it is closed"); }));
+    EXPECT_FALSE(debugWindow()->isVisible());
+    Debug::showDebugWindow();
+    EXPECT_TRUE(runUntil([] { return debugWindow()->isVisible(); }));
+    debugWindow()->showMinimized();
+    Debug::setWindowTitle(QStringLiteral("after"));
+    Debug::showDebugWindow();
+    EXPECT_TRUE(runUntil([] { return !debugWindow()->isMinimized(); }));
+    EXPECT_EQ(debugWindow()->windowTitle(), QStringLiteral("after"));
+}
+
+TEST_F(Window, ShowsWhatWasPrintedBeforeAModalBoxAndIsEmptiedByClearIfThatIsAllowed)
+{
+    print("before the box");
+    robot->then([](QDialog &box) {
+        EXPECT_TRUE(shows("before the box"));
+        box.close();
+    });
+    ask(true, ok);
+    for (const bool allowed : {false, true}) {
+        Debug::enableSettings(allowed ? QStringLiteral("allowProgrammaticClear,") : QString());
+        print("text");
+        EXPECT_TRUE(runUntil([] { return shows("text"); }));
+        print("on its way");
+        Debug::clear();
+        print("behind");
+        EXPECT_TRUE(runUntil([] { return shows("behind"); }));
+        EXPECT_EQ(shows("text"), !allowed);
+        EXPECT_EQ(shows("on its way"), !allowed);
+    }
+}
+
+TEST_F(Window, GetsTheLinesOfFourThreadsOnceWhileItIsUsedAndTheLibraryEndsUnderIt)
+{
+    constexpr int threads = 4;
+    DebugWindow supplied(QStringLiteral("host"));
+    Debug::exitDebug();
+    Debug::setExtWindow(&supplied);
+    Debug::initDebug();
+    ::testing::internal::CaptureStdout();
+    std::atomic<bool> enough{false};
+    std::atomic<int> printed{0};
+    std::vector<std::thread> printers;
+    for (int thread = 0; thread < threads; ++thread) {
+        printers.emplace_back([&, thread] {
+            for (int number = 0; !enough; ++number, ++printed)
+                print(QStringLiteral("%1 of #%2").arg(thread).arg(number));
+        });
+    }
+    EXPECT_TRUE(runUntil([&] {
+        supplied.resize(600 + printed % 100, 300);
+        return supplied.allLines().count('\n') > 1000;
+    }));
+    Debug::exitDebug(); // what comes then, until there are no modules any more, is for the standard output
+    waitIdle([&, goal = printed + 100] { return printed > goal; });
+    enough = true;
+    for (std::thread &printer : printers)
+        printer.join();
+    const QByteArray inWindow = supplied.allLines();
+    const QByteArray all =
+        inWindow + '\n' + QByteArray::fromStdString(testing::internal::GetCapturedStdout());
+    for (int thread = 0; thread < threads; ++thread) {
+        QByteArray own;
+        for (const QByteArray &line : all.split('\n')) {
+            if (line.contains(QByteArray::number(thread) + " of #"))
+                own += line + '\n';
+        }
+        const std::vector<int> numbers = numbersIn(own);
+        for (std::size_t i = 0; i < numbers.size(); ++i)
+            ASSERT_EQ(numbers[i], static_cast<int>(i)) << "thread " << thread;
+    }
+    EXPECT_TRUE(supplied.isVisible()) << "the host's to close and to delete";
+}
+
+TEST_F(Window, GivesItsTextToTheFirstClientAndTakesTheLinesAfterTheLast)
+{
+    waitForWindow();
+    print("second");
+    RemoteClient client(openRemoteAccess(host));
+    EXPECT_TRUE(client.waitForGreeting());
+    const QByteArray text = client.takeUntil("second\r\n");
+    EXPECT_TRUE(text.contains("first\n")) << text.toStdString();
+    EXPECT_EQ(windowText(), "");
+    EXPECT_FALSE(button("Settings...")->isEnabled());
+    EXPECT_TRUE(button("Clear Log")->isEnabled());
+    print("for the client");
+    EXPECT_TRUE(client.waitFor("for the client"));
+    client.close();
+    EXPECT_TRUE(runUntil([] { return button("Settings...")->isEnabled(); }));
+    print("for the window");
+    EXPECT_TRUE(runUntil([] { return shows("for the window"); }));
+    EXPECT_FALSE(shows("for the client"));
+    Debug::setClientCount(1); // somebody only says so
+    EXPECT_FALSE(button("Settings...")->isEnabled());
+    EXPECT_TRUE(shows("for the window"));
+}
+
+TEST_F(Window, FollowsHooksAndModesOfTheProcess)
+{
+    HookRecorder recorder;
+    Debug::installHook("alpha", &recorder, false);
+    waitForWindow();
+    EXPECT_NE(hooksInWindow().find("alpha "), std::string::npos) << hooksInWindow();
+    inWorker([&] {
+        Debug::installHook("beta", &recorder, true);
+        return 0;
+    });
+    EXPECT_TRUE(runUntil([] { return hooksInWindow().find("alpha beta ") != std::string::npos; }));
+
+    std::atomic<bool> go{false};
+    recorder.onCall = [&go](char *, char *) { waitIdle([&go] { return go.load(); }); };
+    Debug::activateHooks("alpha", "");
+    EXPECT_FALSE(button("activate")->isEnabled()) << "no second one is started meanwhile";
+    go = true;
+    EXPECT_TRUE(runUntil([] { return button("activate")->isEnabled(); }));
+    button("activate")->setFocus();
+    Debug::activateHooks("DebugServerSettingsChangedHook", ""); // has a thread, too
+    runOn();
+    EXPECT_TRUE(button("activate")->hasFocus());
+
+    Debug::setServerMode(true);
+    EXPECT_FALSE(button("Output Off")->isEnabled());
+    Debug::createModule("DebugServerClient", "Client");
+    runOn();
+    EXPECT_TRUE(Debug::isActive(kernel, 0, 0)) << "in server mode the output goes on";
+    inWorker([] {
+        Debug::setServerMode(false);
+        Debug::createModule("DebugServerClient", "Client");
+        return 0;
+    });
+    EXPECT_TRUE(runUntil([] { return !Debug::isActive(kernel, 0, 0); }));
+    EXPECT_TRUE(button("Output Off")->isEnabled());
+}
+
+TEST_F(Window, EndsWithTheLibraryFromWhereverThatComes)
+{
+    for (const char *const place : {"loop", "worker", "window"}) {
+        waitForWindow();
+        const QPointer<QWidget> window = debugWindow();
+        HookRecorder ender;
+        ender.onCall = [](char *, char *) { Debug::exitDebug(); };
+        Debug::installHook("end", &ender, true);
+        if (std::string(place) == "window") {
+            auto *const hooks = window->findChild<QComboBox *>();
+            EXPECT_TRUE(runUntil([&] { return hooks->findText(QStringLiteral("end")) >= 0; }));
+            hooks->setCurrentText(QStringLiteral("end"));
+            button("activate")->click();
+        } else if (std::string(place) == "worker") {
+            inWorker([] {
+                Debug::exitDebug();
+                return 0;
+            });
+        } else {
+            Debug::exitDebug();
+        }
+        EXPECT_TRUE(runUntil([&] { return window.isNull(); })) << place;
+        Debug::initDebug();
+    }
+    waitForWindow();
+    Debug::setOutputReceiver(-1, [](hookData *) {}); // keeps the library up, beyond the application
+    endApplication();
+    Debug::setOutputReceiver(-1, nullptr);
+}
+
+TEST_F(Window, LosesNothingWhenTheHostEndsTheLibraryWhileItIsMade)
+{
+    for (const bool startsAgain : {false, true}) {
+        host.onRead = [&](const QString &key) {
+            if (key != QLatin1String("windowTitle"))
+                return;
+            host.onRead = nullptr;
+            print("while it is made");
+            Debug::exitDebug();
+            if (startsAgain)
+                Debug::initDebug();
+        };
+        ::testing::internal::CaptureStdout();
+        print("first");
+        runOn();
+        runOn();
+        const std::string written = testing::internal::GetCapturedStdout();
+        EXPECT_NE(written.find("first\n"), std::string::npos);
+        EXPECT_NE(written.find("while it is made\n"), std::string::npos);
+        EXPECT_EQ(debugWindow(), nullptr);
+        if (!startsAgain)
+            Debug::initDebug();
+    }
+    waitForWindow();
+}
+
+} // namespace
