@@ -54,7 +54,7 @@ std::string entry(int code, const std::string &detail)
 void ErrorQueue::push(int code, const std::string &detail)
 {
     const std::string added = entry(code, detail);
-    print(Module::Scpi, Level::Error, "%s", added.c_str());
+    print(Module::Scpi, Level::Error, "%s%s%s", Color::red, added.c_str(), Color::plain);
     bool overflow = false;
     {
         const std::lock_guard<std::mutex> guard(m_mutex);
@@ -65,7 +65,8 @@ void ErrorQueue::push(int code, const std::string &detail)
             m_entries.push_back(added);
     }
     if (overflow)
-        print(Module::Scpi, Level::Error, "error queue is full, %s is lost", added.c_str());
+        print(Module::Scpi, Level::Error, "%serror queue is full, %s is lost%s", Color::red, added.c_str(),
+              Color::plain);
 }
 
 std::string ErrorQueue::take()

@@ -10,7 +10,8 @@ const char *const usage =
     "              stands for standard input, and so does a machine without a display\n"
     "  --settings  settings of the debug output, group DebugServer\n"
     "  --autopilot PICTURE.png\n"
-    "              drives the panel by itself, loads SCRIPT, saves a picture of the panel and ends\n";
+    "              drives the panel by itself, loads SCRIPT, saves a picture of the panel and ends; beside\n"
+    "              it come debugwindow.png, a picture of the debug window, and debugwindow.txt, its text\n";
 
 namespace {
 

@@ -6,6 +6,13 @@
 
 namespace SignalGenerator {
 
+/// A debug message that begins with red is red in the debug window and in a terminal; plain at its end ends
+/// that for the terminal.
+namespace Color {
+constexpr const char *red = "\x1b[31m";
+constexpr const char *plain = "\x1b[0m";
+} // namespace Color
+
 /// Prints a debug message (printf format, at most 1,023 characters, Latin-1) from any thread.
 ///
 /// It asks the library first and formats only what somebody wants to see, so calls may stay in hot paths.

@@ -1,5 +1,6 @@
 #include "panel/autopilot.h"
 
+#include "panel/debugwindowuser.h"
 #include "panel/panel.h"
 
 #include <QAbstractButton>
@@ -106,6 +107,7 @@ Autopilot::Autopilot(Panel &panel, const QString &script, const QString &picture
     addEntrySteps();
     addHookSteps();
     addSelfTestSteps();
+    addDebugWindowSteps(QFileInfo(picture).path());
     addEnd(picture);
     m_start = std::chrono::steady_clock::now();
     m_timer.callOnTimeout(this, [this] { tick(); });
@@ -168,6 +170,37 @@ void Autopilot::addSelfTestSteps()
     addStep(
         QStringLiteral("closes the result with OK"), [this] { return answer(m_panel, QStringLiteral("OK")); },
         [this] { return boxButton(m_panel, QStringLiteral("OK")) == nullptr; });
+}
+
+void Autopilot::addQuestionStep(Qt::Key key, const QString &text)
+{
+    addStep(
+        QStringLiteral("presses Ctrl+%1").arg(QLatin1Char(static_cast<char>(key))),
+        [key] { return DebugWindowUser::press(key); }, DebugWindowUser::isAsking);
+    addStep(
+        QStringLiteral("enters \"%1\"").arg(text), [text] { return DebugWindowUser::enter(text); },
+        [] { return !DebugWindowUser::isAsking(); });
+}
+
+void Autopilot::addDebugWindowSteps(const QString &folder)
+{
+    addStep(QStringLiteral("closes the debug window"), DebugWindowUser::close,
+            [] { return !DebugWindowUser::isShown(); });
+    addStep(
+        QStringLiteral("presses \"Debug window\""), [this] { return click(m_panel, "debugWindow"); },
+        DebugWindowUser::isShown);
+    addQuestionStep(Qt::Key_M, QStringLiteral("oscillator"));
+    addQuestionStep(Qt::Key_M, QStringLiteral("attenuator"));
+    addQuestionStep(Qt::Key_F, QStringLiteral("433.92"));
+    const QString picture = folder + QLatin1String("/debugwindow.png");
+    const QString text = folder + QLatin1String("/debugwindow.txt");
+    addStep(
+        QStringLiteral("saves a picture of it in %1, its text in %2").arg(picture, text),
+        [picture, text] {
+            say(QStringLiteral("reads in it: %1").arg(DebugWindowUser::lineCount()));
+            return DebugWindowUser::savePicture(picture) && DebugWindowUser::saveText(text);
+        },
+        always);
 }
 
 void Autopilot::addEnd(const QString &picture)

@@ -12,14 +12,16 @@ namespace SignalGenerator {
 
 class Panel;
 
-/// Drives the panel as a user would, answers the boxes that come up, takes a picture of the panel and closes
-/// it. Says on the standard output what it does, and ends the event loop with 1 if something never happens.
+/// Drives the panel and the debug window as a user would, answers the boxes that come up, takes a picture of
+/// both and closes the panel. Says on the standard output what it does, and ends the event loop with 1 if
+/// something never happens.
 ///
 /// It works by a timer: that runs on while a box is shown.
 class Autopilot : public QObject
 {
 public:
-    /// \a script is what it chooses in the file selection, \a picture the file for the picture.
+    /// \a script is what it chooses in the file selection, \a picture the file for the panel's picture; what
+    /// it saves of the debug window comes beside that.
     Autopilot(Panel &panel, const QString &script, const QString &picture);
 
 private:
@@ -35,6 +37,9 @@ private:
     void addHookSteps();
     void addScriptSteps(const QString &script);
     void addSelfTestSteps();
+    /// A key of the debug window that makes it ask for a text.
+    void addQuestionStep(Qt::Key key, const QString &text);
+    void addDebugWindowSteps(const QString &folder);
     void addEnd(const QString &picture);
     void tick();
     void fail();

@@ -83,15 +83,17 @@ QWidget *Panel::makeActionBar()
     auto *const layout = new QHBoxLayout(bar);
     layout->setContentsMargins(0, 0, 0, 0);
     m_preset = makeButton(tr("P&reset"), "preset");
+    QPushButton *const debugWindow = makeButton(tr("&Debug window"), "debugWindow");
     m_script = makeButton(tr("L&oad script..."), "script");
     m_selfTest = makeButton(tr("&Self test..."), "selfTest");
     m_message = makeMessageLine();
     layout->addWidget(m_message, 1);
-    for (QPushButton *const button : {m_preset, m_script, m_selfTest})
+    for (QPushButton *const button : {m_preset, m_script, m_selfTest, debugWindow})
         layout->addWidget(button);
     connect(m_preset, &QPushButton::clicked, this, [this] { send("SYST:PRES"); });
     connect(m_script, &QPushButton::clicked, this, &Panel::scriptClicked);
     connect(m_selfTest, &QPushButton::clicked, this, &Panel::selfTestClicked);
+    connect(debugWindow, &QPushButton::clicked, this, [] { Debug::showDebugWindow(); });
     return bar;
 }
 

@@ -1,6 +1,7 @@
 #include "support/childprocess.h"
 #include "support/programdata.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <string>
@@ -48,7 +49,7 @@ TEST_F(ExampleHost, RunsTheShippedScript)
     for (const char *part :
          {"        command thread) <  SG4000-Console> <   traffic   >, <        Info>: -> *IDN?\r\n",
           "          sweep thread) ", "         kernel thread) ", "       hardware thread) ",
-          "<     Warning>: aborted at point ", "<       Error>: error queue is full",
+          "<     Warning>: aborted at point ", "<       Error>: \x1b[31merror queue is full",
           "<   Time Meas>: synthesizer: "})
         EXPECT_TRUE(contains(file, part)) << part;
     EXPECT_TRUE(contains(m_output, "<- Velmora,SG4000,100001,1.0.0\n"));
@@ -107,7 +108,12 @@ TEST_F(ExampleHost, DrivesItsPanelByItself)
           "passed\r\n",
           "        command thread) <  SG4000-Console> ", "          sweep thread) "})
         EXPECT_TRUE(contains(file, part)) << part;
-    EXPECT_TRUE(contains(m_output, "SG_setFrequency: 433.92 MHz\n")) << "by the road through the GUI thread";
+    EXPECT_EQ(readFile(libraryFile("debugwindow.png")).substr(1, 3), "PNG");
+    const std::string shown = readFile(libraryFile("debugwindow.txt"));
+    EXPECT_TRUE(contains(shown, "SG_setFrequency: 433.92 MHz\n")) << "by the road through the GUI thread";
+    const auto lines = std::count(shown.begin(), shown.end(), '\n');
+    EXPECT_TRUE(contains(m_output, "reads in it: " + std::to_string(lines) + " lines inside log\n"));
+    EXPECT_FALSE(contains(m_output, "SG4000-Panel>")) << "no line on the standard output";
 }
 
 TEST_F(ExampleHost, ShowsItsPanelOnARealDisplay)
