@@ -12,7 +12,6 @@
 
 #include <QTcpSocket>
 
-#include <ctime>
 #include <fstream>
 
 using namespace bench;
@@ -105,14 +104,6 @@ struct Way
 };
 
 enum WayIndex : std::size_t { TwoWrites, OneWrite, Server, Queue };
-
-/// Nanoseconds of a core that the calling thread has had.
-double processorTime()
-{
-    timespec time{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-    return static_cast<double>(time.tv_sec) * 1e9 + static_cast<double>(time.tv_nsec);
-}
 
 void sample(Way &way)
 {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <ctime>
 #include <sched.h>
 #include <sys/resource.h>
 #include <thread>
@@ -220,6 +221,13 @@ std::vector<Subject> onThreads(const std::vector<int> &threads, const std::vecto
         }
     }
     return all;
+}
+
+double processorTime()
+{
+    timespec time{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) * 1e9 + static_cast<double>(time.tv_nsec);
 }
 
 double median(std::vector<double> values)

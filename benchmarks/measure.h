@@ -69,6 +69,9 @@ struct Result
 /// there the scheduler has to take cores away.
 std::vector<Result> measure(const Setup &setup, const std::vector<Subject> &subjects);
 
+/// Nanoseconds of a core that the calling thread has had.
+double processorTime();
+
 double median(std::vector<double> values);
 /// The value that \a share of all values do not exceed; 0 if there is none.
 double percentile(std::vector<double> values, double share);

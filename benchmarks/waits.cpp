@@ -21,6 +21,24 @@ std::vector<WaitTimes> timeWaits(int rounds, const std::vector<Wait> &waits)
     return all;
 }
 
+std::vector<Result> measureProcessorTime(int rounds, const std::vector<Subject> &subjects)
+{
+    std::vector<WaitTimes> times;
+    for (const Subject &subject : subjects)
+        times.push_back({subject.name, {}});
+    for (int round = 0; round < rounds; ++round) {
+        for (std::size_t i = 0; i < subjects.size(); ++i) {
+            const double start = processorTime();
+            subjects[i].body(1);
+            times[i].times.push_back(processorTime() - start);
+        }
+    }
+    std::vector<Result> results;
+    for (const WaitTimes &subject : times)
+        results.push_back(resultAt(subject, 0.5));
+    return results;
+}
+
 Result resultAt(const WaitTimes &times, double share, const std::string &nameSuffix)
 {
     Result result;

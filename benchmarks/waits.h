@@ -24,6 +24,9 @@ struct WaitTimes
 /// percentiles.
 std::vector<WaitTimes> timeWaits(int rounds, const std::vector<Wait> &waits);
 
+/// Calls all in turn, in the calling thread. The figure is the median of the processor time of that thread.
+std::vector<Result> measureProcessorTime(int rounds, const std::vector<Subject> &subjects);
+
 /// The value that \a share of the times do not exceed, for a row of a table.
 Result resultAt(const WaitTimes &times, double share, const std::string &nameSuffix = {});
 
