@@ -8,11 +8,14 @@
 #include "lowlevelfunctions/daemonlink.h"
 
 #include <QMessageBox>
-#include <QPointer>
+
+#include <algorithm>
 
 namespace Zorvan {
 
 namespace {
+
+constexpr int pieceBytes = 1 << 20;
 
 std::string latin1(const QString &text)
 {
@@ -30,22 +33,30 @@ bool userWantsToSave()
     return answer == QMessageBox::Yes;
 }
 
-void appendToOutputFile(QByteArray text)
+/// In pieces: the lines may take half of the memory.
+void appendToOutputFile(const QByteArray &lines)
 {
-    std::string lines = text.replace("\n", "\r\n").toStdString();
     const TableLock guard;
-    outputFile().append(lines, OutputFile::Writing::On);
+    for (int begin = 0; begin < lines.size();) {
+        const int lineEnd = lines.indexOf('\n', begin + std::min(pieceBytes, lines.size() - 1 - begin));
+        const int end = lineEnd < 0 ? lines.size() : lineEnd;
+        std::string piece = lines.mid(begin, end - begin).replace('\n', "\r\n").toStdString();
+        outputFile().append(piece, OutputFile::Writing::On);
+        begin = end + 1;
+    }
 }
 
 } // namespace
 
 void offerToSaveWindowText()
 {
-    const QPointer<DebugWindow> window = guibridge::windowWithAllLines();
-    if (!window || host::readInteger(QStringLiteral("enableQuitMessage"), 0) != 1 || !window)
+    if (guibridge::windowHere() == nullptr || host::readInteger(QStringLiteral("enableQuitMessage"), 0) != 1)
         return;
-    window->showMaximized();
-    if (window && userWantsToSave() && window)
+    if (DebugWindow *const window = guibridge::windowWithAllLines())
+        window->showMaximized();
+    if (guibridge::windowHere() == nullptr || !userWantsToSave())
+        return;
+    if (const DebugWindow *const window = guibridge::windowWithAllLines()) // with those that came meanwhile
         appendToOutputFile(window->allLines());
 }
 

@@ -88,8 +88,10 @@ bool removeLastUser()
     const TableLock guard;
     int users = s_users.load();
     while (users > 0 && !s_users.compare_exchange_weak(users, users - 1)) {}
-    if (users == 1)
+    if (users == 1) {
         s_endIsUnfinished.store(true);
+        TableState::countEnd();
+    }
     return users == 1;
 }
 

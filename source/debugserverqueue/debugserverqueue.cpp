@@ -98,8 +98,8 @@ void DebugServerQueue::deliverLines()
         deliverToClients();
     else if (m_window.get() != nullptr && !guibridge::isWindowOutputDropped())
         deliverToWindow();
-    else
-        guibridge::deliverLines(m_batch); // no window can be shown, or none is wanted
+    else if (!guibridge::canShowWindows() || guibridge::isWindowOutputDropped())
+        guibridge::deliverLines(m_batch);
 }
 
 void DebugServerQueue::deliverToClients()
@@ -169,8 +169,7 @@ void DebugServerQueue::handle(QEvent *event)
         openOrCloseServer(static_cast<ServerEventMsg *>(event)->allowed);
         break;
     case QueueEvent::Redraw:
-        if (m_window.get() != nullptr)
-            m_window.get()->refreshHooks();
+        fillHooks();
         break;
     case QueueEvent::Rebuild:
         break; // the window shows no names and prefixes
@@ -178,7 +177,8 @@ void DebugServerQueue::handle(QEvent *event)
         showWindow();
         break;
     case QueueEvent::Title:
-        showTitle();
+        if (m_window.get() != nullptr)
+            m_window.get()->setWindowTitle(guibridge::windowTitle());
         break;
     }
 }

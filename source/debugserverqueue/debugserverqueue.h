@@ -41,6 +41,8 @@ public:
     void deliverToClients();
     /// Delivers them to the window, if there is one and no client takes them.
     void deliverToWindow();
+    /// The same for a window that stays when the queue ends.
+    void deliverToLastingWindow();
     /// The window; null if there is none.
     [[nodiscard]] DebugWindow *window() const { return m_window.get(); }
     /// What became of the window's state elsewhere; nothing happens without a window.
@@ -67,8 +69,11 @@ private:
     void deliverLines();
     [[nodiscard]] bool wantsWindow() const;
     bool makeWindow();
-    void showWindow();
+    void takeWindowIntoUse();
+    void fillHooks();
     void showTitle();
+    void putWindowOnScreen();
+    void showWindow();
     [[nodiscard]] bool isInUse() const;
 
     bool m_isStarted = false;

@@ -13,6 +13,7 @@
 #include "platform/standardoutput.h"
 
 #include <QApplication>
+#include <QPointer>
 #include <QThread>
 
 #include <algorithm>
@@ -31,7 +32,6 @@ std::atomic<bool> s_windowOutputDropped{false};
 std::atomic<bool> s_clientMode{false};
 std::atomic<int> s_clientCount{0};
 std::atomic<void *> s_guiThreadId{nullptr};
-std::atomic<DebugWindow *> s_externalWindow{nullptr};
 std::atomic<bool> s_hasWindow{false};
 std::atomic<void (*)()> s_endHandler{nullptr};
 
@@ -52,6 +52,7 @@ struct Road
     platform::Mutex handOver; ///< held to post: a queue that somebody posts to is not deleted meanwhile
     DebugServerQueue *queue ZORVAN_GUARDED_BY(handOver) = nullptr;
     QString title ZORVAN_GUARDED_BY(handOver);
+    QPointer<DebugWindow> externalWindow ZORVAN_GUARDED_BY(handOver);
     /// Detached queues that are still to be deleted. Who takes one out deletes it.
     std::vector<DebugServerQueue *> retired ZORVAN_GUARDED_BY(handOver);
 };
@@ -97,12 +98,6 @@ bool makeQueue()
     publish(new DebugServerQueue);
     road().isBeingMade = false;
     return true;
-}
-
-DebugWindow *windowHere()
-{
-    DebugServerQueue *const here = queueHere();
-    return here != nullptr ? here->window() : nullptr;
 }
 
 /// Has the window follow something when the loop gets to it: the caller may hold locks.
@@ -206,12 +201,13 @@ void deleteRetired()
         {
             const Locked guard(road().handOver);
             if (road().retired.empty())
-                return;
+                break;
             queue = road().retired.back();
             road().retired.pop_back();
         }
         delete queue;
     }
+    OutputWindow::deleteEnded();
 }
 
 void applicationStarts()
@@ -417,12 +413,14 @@ void *guiThreadId()
 
 void setExternalWindow(DebugWindow *window)
 {
-    s_externalWindow.store(window);
+    const Locked guard(road().handOver);
+    road().externalWindow = window;
 }
 
-DebugWindow *takeExternalWindow()
+DebugWindow *externalWindow()
 {
-    return s_externalWindow.exchange(nullptr);
+    const Locked guard(road().handOver);
+    return road().externalWindow;
 }
 
 void setHasWindow(bool has)
@@ -473,6 +471,12 @@ void makeDefault()
         window->makeDefault();
     else
         host::saveConfiguration();
+}
+
+DebugWindow *windowHere()
+{
+    DebugServerQueue *const here = queueHere();
+    return here != nullptr ? here->window() : nullptr;
 }
 
 DebugWindow *windowWithAllLines()
@@ -543,7 +547,7 @@ Ending::Ending()
     if (queueExists())
         readOutputSettings();
     if (DebugServerQueue *const here = queueHere())
-        here->deliverToWindow(); // with no lock held: filters of the host see what happens to the window
+        here->deliverToLastingWindow(); // with no lock held: filters of the host see what happens to it
     const Locked table(TableState::lock());
     s_endings.fetch_add(1);
     if (DebugServerQueue *const here = queueHere()) {

@@ -73,8 +73,8 @@ void setEventLoopRunning(bool running);
 void setGuiThreadId(void *id);
 [[nodiscard]] void *guiThreadId();
 void setExternalWindow(DebugWindow *window);
-/// For the next queue: nobody else gets it.
-[[nodiscard]] DebugWindow *takeExternalWindow();
+/// Null if there is none, or not any more.
+[[nodiscard]] DebugWindow *externalWindow();
 /// The table was reset for a remote client that mirrors another process; see Debug::createModule().
 void setClientMode();
 [[nodiscard]] bool isClientMode();
@@ -89,6 +89,8 @@ void announceHookStart();
 /// Stores the configuration as the host's default, with the window's own settings if there is one. In the
 /// thread of the queue or without a queue. Runs code of the host.
 void makeDefault();
+/// The window; null if there is none, and outside its thread.
+[[nodiscard]] DebugWindow *windowHere();
 /// The window, after it has got all lines that wait; null if there is none, and outside its thread.
 [[nodiscard]] DebugWindow *windowWithAllLines();
 /// For the queue: there is a window now.

@@ -3,11 +3,23 @@
 #include "debugserverqueue/guibridge.h"
 
 #include <utility>
+#include <vector>
 
 namespace Zorvan {
 
+namespace {
+
+/// Windows that have ended and are still to be deleted. The GUI thread only.
+std::vector<QPointer<DebugWindow>> &endedWindows()
+{
+    static auto *const windows = new std::vector<QPointer<DebugWindow>>;
+    return *windows;
+}
+
+} // namespace
+
 OutputWindow::OutputWindow()
-    : m_window(guibridge::takeExternalWindow())
+    : m_window(guibridge::externalWindow())
     , m_isSupplied(m_window != nullptr)
 {}
 
@@ -31,9 +43,15 @@ void OutputWindow::end()
     m_isInUse = false;
     if (window == nullptr || m_isSupplied)
         return;
-    if (guibridge::eventLoopRunning())
-        window->deleteLater();
-    else
+    endedWindows().push_back(window);
+    window->deleteLater(); // a host without a loop never gets to it
+    window->hide();
+}
+
+void OutputWindow::deleteEnded()
+{
+    const std::vector<QPointer<DebugWindow>> windows = std::exchange(endedWindows(), {});
+    for (const QPointer<DebugWindow> &window : windows)
         delete window;
 }
 

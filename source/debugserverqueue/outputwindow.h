@@ -21,11 +21,14 @@ public:
     /// The window in use; null until there is one, and again after the host has deleted it.
     [[nodiscard]] DebugWindow *get() const { return m_isInUse ? m_window.data() : nullptr; }
     /// Whether the host has supplied a window.
-    [[nodiscard]] bool isSupplied() const { return m_isSupplied && m_window; }
+    [[nodiscard]] bool isSupplied() const { return m_isSupplied && m_window != nullptr; }
     /// Takes the supplied window into use, or the one that was made because there is none.
     void use(std::unique_ptr<DebugWindow> made);
-    /// For a queue that is detached: the window goes, as soon as no function of it runs.
+    /// For a queue that is detached: the window disappears. It is deleted by the event loop, when no function
+    /// of it runs any more, or with the application.
     void end();
+    /// Deletes what no loop has deleted. At the end of the application.
+    static void deleteEnded();
 
 private:
     QPointer<DebugWindow> m_window;

@@ -32,15 +32,33 @@ bool DebugServerQueue::makeWindow()
         return false;
     m_window.use(std::move(made));
     guibridge::setHasWindow(true);
-    m_window.get()->refreshHooks();
-    showTitle();
-    m_window.get()->show();
-    if (!kept)
-        return false;
+    for (void (DebugServerQueue::*const step)() :
+         {&DebugServerQueue::takeWindowIntoUse, &DebugServerQueue::fillHooks, &DebugServerQueue::showTitle,
+          &DebugServerQueue::putWindowOnScreen, &DebugServerQueue::clientCountChanged}) {
+        (this->*step)();
+        if (!kept || !isInUse() || m_window.get() == nullptr)
+            return false;
+    }
     m_isMakingWindow = false;
-    if (isInUse() && m_remoteAccess.hasClients())
-        clientCountChanged();
-    return isInUse() && m_window.get() != nullptr;
+    if (guibridge::linesWait())
+        armTimer(); // no other line tells of them
+    return true;
+}
+
+void DebugServerQueue::takeWindowIntoUse()
+{
+    m_window.get()->takeIntoUse(guibridge::clientCount() > 0);
+}
+
+void DebugServerQueue::fillHooks()
+{
+    if (m_window.get() != nullptr)
+        m_window.get()->refreshHooks();
+}
+
+void DebugServerQueue::putWindowOnScreen()
+{
+    m_window.get()->show();
 }
 
 void DebugServerQueue::showWindow()
@@ -61,11 +79,18 @@ void DebugServerQueue::showWindow()
         showTitle();
 }
 
+/// Without a title the window keeps its own.
 void DebugServerQueue::showTitle()
 {
     const QString title = guibridge::windowTitle();
-    if (m_window.get() != nullptr && !title.isNull())
+    if (m_window.get() != nullptr && !title.isEmpty())
         m_window.get()->setWindowTitle(title);
+}
+
+void DebugServerQueue::deliverToLastingWindow()
+{
+    if (m_window.isSupplied())
+        deliverToWindow();
 }
 
 void DebugServerQueue::deliverToWindow()
@@ -84,10 +109,9 @@ void DebugServerQueue::clientCountChanged()
     const QPointer<DebugWindow> window = m_window.get();
     if (window == nullptr)
         return;
-    if (m_remoteAccess.hasClients()) {
-        const QByteArray text = window->allLines();
-        if (!text.isEmpty())
-            m_remoteAccess.send({text.constData(), static_cast<std::size_t>(text.size())});
+    const QByteArray text = m_remoteAccess.hasClients() ? window->allLines() : QByteArray();
+    if (!text.isEmpty()) {
+        m_remoteAccess.send(text);
         window->clearText();
     }
     if (window)

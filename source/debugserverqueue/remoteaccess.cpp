@@ -6,6 +6,7 @@
 
 #include <atomic>
 #include <limits>
+#include <utility>
 
 namespace Zorvan {
 
@@ -107,6 +108,11 @@ void RemoteAccess::dropLaggards()
 void RemoteAccess::send(std::string_view lines)
 {
     m_server->send(recordOf(lines));
+}
+
+void RemoteAccess::send(QByteArray lines)
+{
+    m_server->send(std::move(lines));
 }
 
 void RemoteAccess::close()

@@ -43,6 +43,7 @@ public:
     void dropLaggards();
     /// Sends a batch of lines to all clients. With clients only. Calls nobody: locks may be held.
     void send(std::string_view lines);
+    void send(QByteArray lines);
 
 private:
     void setOpen(bool open);

@@ -113,6 +113,13 @@ void DebugWindow::restoreFilters()
     Debug::setLevelFilter(levels);
 }
 
+void DebugWindow::takeIntoUse(bool clientsConnected)
+{
+    m_locks = ControlLocks();
+    m_locks.clientsConnected = clientsConnected;
+    updateModes();
+}
+
 void DebugWindow::appendOutput(std::string_view lines)
 {
     if (m_isOutputOff)

@@ -37,6 +37,8 @@ public:
     /// \name For the queue
     /// @{
 
+    /// For a window that a queue begins to use; nothing is left of an earlier one.
+    void takeIntoUse(bool clientsConnected);
     /// Shows a batch of Latin-1 lines, "\n" between them, or drops it while the output is off.
     void appendOutput(std::string_view lines);
     void clearText();

@@ -25,8 +25,10 @@ bool HandlerReports::report(QEvent *event)
         reportShown();
         break;
     case QEvent::Hide:
-        if (!event->spontaneous()) // somebody hid it: when it is shown again, that is news
+        if (!event->spontaneous()) { // somebody hid it: when it is shown again, that is news
             m_comesFromMinimized = false;
+            m_isDeactivationKept = false;
+        }
         break;
     case QEvent::Close:
         reportVisible(false);

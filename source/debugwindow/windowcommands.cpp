@@ -8,6 +8,7 @@
 #include "debugwindow/windowgeometry.h"
 #include "host/hosthandlers.h"
 #include "host/savedconfiguration.h"
+#include "host/tablestate.h"
 
 #include <QClipboard>
 #include <QFileDialog>
@@ -132,8 +133,9 @@ std::optional<QFont> DebugWindow::askFont(const QFont &present)
 void DebugWindow::makeDefault()
 {
     const QPointer<DebugWindow> kept(this);
+    const auto goesOn = [&kept, ends = TableState::ends()] { return kept && TableState::ends() == ends; };
     const QString analysisPlace = host::readString(QStringLiteral("DebugAnalysisWindowGeometry"), QString());
-    if (!kept)
+    if (!goesOn())
         return;
     Settings settings;
     settings.emplace_back("DebugServerWindowGeometry", windowgeometry::formatted(place()));
@@ -142,19 +144,20 @@ void DebugWindow::makeDefault()
     settings.emplace_back("DebugServerSavedLog", m_savedLog);
     for (const auto &[key, value] : settings) {
         host::writeString(QString::fromLatin1(key), value);
-        if (!kept)
+        if (!goesOn())
             return;
     }
     host::saveConfiguration();
 }
 
-/// The client rectangle. A window that is where it was put keeps the place that led there: real frames are
-/// not as wide as it is reckoned with, and it would wander a little at each start.
+/// The client rectangle of the window when it is not maximised. A window that is where it was put keeps the
+/// place that led there: real frames are not as wide as it is reckoned with, and it would wander a little at
+/// each start.
 QRect DebugWindow::place() const
 {
     if (pos() == windowgeometry::framePosition(m_restoredPlace))
         return {m_restoredPlace.topLeft(), size()};
-    return geometry();
+    return isMaximized() || isFullScreen() ? normalGeometry() : geometry();
 }
 
 } // namespace Zorvan

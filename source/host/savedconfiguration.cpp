@@ -3,55 +3,68 @@
 #include "host/displayflagkeys.h"
 #include "host/hosthandlers.h"
 #include "host/modulenames.h"
+#include "host/tablestate.h"
 
 namespace Zorvan::host {
 
 namespace {
 
-void write(const char *key, const QString &value)
+/// Writes nothing more once the library has ended, in a call of the host: what could be stored then would be
+/// the state of a library that does not run.
+class Saving
 {
-    writeString(QString::fromLatin1(key), value);
-}
+public:
+    [[nodiscard]] bool goesOn() const { return TableState::ends() == m_ends; }
+    void write(const char *key, const QString &value) const
+    {
+        if (goesOn())
+            writeString(QString::fromLatin1(key), value);
+    }
 
-void saveFilters()
+private:
+    const unsigned m_ends = TableState::ends();
+};
+
+void saveFilters(const Saving &saving)
 {
     if (Debug::isClient() || Debug::isServer())
         return;
-    write("DebugServerRegexpFilter", Debug::getOutputFilter());
-    write("DebugServerLevelsFilter", Debug::getLevelFilter());
+    saving.write("DebugServerRegexpFilter", Debug::getOutputFilter());
+    saving.write("DebugServerLevelsFilter", Debug::getLevelFilter());
 }
 
-void saveModules()
+void saveModules(const Saving &saving)
 {
     const int count = ModuleNames().count();
-    for (moduleId id = 0; id < count; ++id)
+    for (moduleId id = 0; id < count && saving.goesOn(); ++id)
         Debug::makeCurrentSettingsDefault(id);
 }
 
-void saveFlag(const displayflags::FlagKey &stored)
+void saveFlag(const Saving &saving, const displayflags::FlagKey &stored)
 {
     const bool isOn = (static_cast<unsigned>(Debug::getDisplayFlags()) & stored.flag) != 0;
-    write(stored.key, isOn ? QStringLiteral("On") : QStringLiteral("Off"));
+    saving.write(stored.key, isOn ? QStringLiteral("On") : QStringLiteral("Off"));
 }
 
-void saveFlags()
+void saveFlags(const Saving &saving)
 {
-    saveFlag(displayflags::storedModuleName);
+    saveFlag(saving, displayflags::storedModuleName);
     for (const displayflags::FlagKey &stored : displayflags::storedFlags)
-        saveFlag(stored);
+        saveFlag(saving, stored);
 }
 
 } // namespace
 
 void saveConfiguration()
 {
+    const Saving saving;
     Debug::activateHooks("DebugServerMakeDefaultHook", "");
-    saveFilters();
-    saveModules();
-    saveFlags();
-    write("DebugServerFile", QString::fromLatin1(Debug::getOutputFileName()));
-    write("DebugServerFileSize", QString::number(Debug::getMaxOutputFileSize()));
-    write("serverPortOpen", QString::number(Debug::clientsAllowed() ? 1 : 0));
+    saveFilters(saving);
+    saveModules(saving);
+    saveFlags(saving);
+    saving.write("DebugServerFile", QString::fromLatin1(Debug::getOutputFileName()));
+    saving.write("DebugServerFileSize", QString::number(Debug::getMaxOutputFileSize()));
+    saving.write("serverPortOpen", QString::number(Debug::clientsAllowed() ? 1 : 0));
 }
 
 } // namespace Zorvan::host

@@ -3,6 +3,7 @@
 namespace Zorvan {
 
 std::atomic<bool> TableState::s_exists{false};
+std::atomic<unsigned> TableState::s_ends{0};
 std::atomic<bool> TableState::s_globalReceiver{false};
 
 platform::RecursiveLock &TableState::lock()

@@ -26,6 +26,11 @@ public:
     [[nodiscard]] static bool exists() { return s_exists.load(std::memory_order_acquire); }
     static void setExists(bool exists) { s_exists.store(exists, std::memory_order_release); }
 
+    /// How often the library has ended so far: who calls the host finds out by it whether that was the end of
+    /// what it is at.
+    [[nodiscard]] static unsigned ends() { return s_ends.load(std::memory_order_acquire); }
+    static void countEnd() { s_ends.fetch_add(1, std::memory_order_release); }
+
     /// Whether a receiver for all modules is installed: the library then keeps its notices to itself, shows
     /// nothing and stays up.
     [[nodiscard]] static bool hasGlobalReceiver() { return s_globalReceiver.load(std::memory_order_relaxed); }
@@ -36,6 +41,7 @@ public:
 
 private:
     static std::atomic<bool> s_exists;
+    static std::atomic<unsigned> s_ends;
     static std::atomic<bool> s_globalReceiver;
 };
 

@@ -57,8 +57,8 @@ std::ptrdiff_t MapHost::linesWith(const char *text)
 
 QString MapHost::lookUp(const char *group, const QString &key, const QString &defaultValue)
 {
-    if (onRead)
-        onRead(key);
+    if (const auto call = onRead) // a copy: it may replace itself
+        call(key);
     const std::string place = std::string(group) + '/' + key.toStdString();
     const std::lock_guard guard(m_mutex);
     ++m_reads[place];

@@ -4,6 +4,8 @@
 
 #include <QHostAddress>
 
+#include <gtest/gtest.h>
+
 #include <sys/socket.h>
 
 namespace Zorvan::test {
@@ -38,7 +40,9 @@ QByteArray RemoteClient::take()
 
 QByteArray RemoteClient::takeUntil(const QByteArray &text)
 {
-    const int length = waitFor(text) ? m_received.indexOf(text) + text.size() : m_received.size();
+    const bool came = waitFor(text);
+    EXPECT_TRUE(came) << text.toStdString();
+    const int length = came ? m_received.indexOf(text) + text.size() : m_received.size();
     const QByteArray taken = m_received.left(length);
     m_received.remove(0, length);
     return taken;

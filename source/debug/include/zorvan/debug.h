@@ -335,8 +335,9 @@ public:
     static IKeyInterface *getKeyboardHandler();
     /// Takes the place of the library's message boxes; null: the boxes are back.
     static void installMessageBoxHandler(IMessageBoxInterface *handler);
-    /// A debug window that stays the host's, used by the next queue that is made, and by that one alone. For
-    /// a host that is built together with the library's widgets: this header does not declare the class.
+    /// A debug window that stays the host's, used by each queue that is made from now on, until it is
+    /// deleted. For a host that is built together with the library's widgets: this header does not declare
+    /// the class.
     static void setExtWindow(DebugWindow *window);
     /// @}
 
