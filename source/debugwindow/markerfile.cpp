@@ -1,6 +1,7 @@
 #include "debugwindow/markerfile.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QSaveFile>
 
 namespace Zorvan::markerfile {
@@ -32,7 +33,7 @@ void save(const QString &path, const QString &markers)
 QString load(const QString &path)
 {
     QFile file(path);
-    if (path.isEmpty() || !file.open(QIODevice::ReadOnly))
+    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly)) // a pipe would be waited for
         return QString();
     const QByteArray line = file.readLine(longestLine + 1); // Qt counts a zero byte behind it
     return QLatin1String(line.constData(), line.size()); // with its zero bytes, if any

@@ -152,6 +152,7 @@ void QProtocolWidget::clear()
 {
     m_buffer.clearAll();
     m_selection.clear();
+    m_foundRow = -1;
     updateScrollRange();
 }
 
@@ -169,7 +170,15 @@ void QProtocolWidget::clearSelection()
 
 void QProtocolWidget::copy()
 {
-    QGuiApplication::clipboard()->setText(copyText());
+    copy(m_selection);
+}
+
+/// Nothing is no reason to empty the clipboard.
+void QProtocolWidget::copy(const Selection &selection)
+{
+    const QString text = copiedText(m_buffer, selection);
+    if (!text.isEmpty())
+        QGuiApplication::clipboard()->setText(text);
 }
 
 void QProtocolWidget::toggleLineNumbers()

@@ -63,6 +63,7 @@ protected:
     void scrollContentsBy(int dx, int dy) override;
     void keyPressEvent(QKeyEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
+    void mouseDoubleClickEvent(QMouseEvent *event) override;
     void mouseMoveEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
     void timerEvent(QTimerEvent *event) override;
@@ -88,6 +89,7 @@ private:
     void selectAll();
     void clearSelection();
     void copy();
+    void copy(const Selection &selection);
     void find();
     void findNext();
     void findPrevious();

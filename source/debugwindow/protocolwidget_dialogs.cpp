@@ -1,6 +1,7 @@
 // The message view: what asks the user something first.
 
 #include "debugwindow/markerfile.h"
+#include "debugwindow/paintedline.h"
 #include "debugwindow/protocolwidget.h"
 #include "debugwindow/rowcopy.h"
 #include "debugwindow/viewdialogs.h"
@@ -42,7 +43,8 @@ std::optional<QString> QProtocolWidget::askForMarkerFile(const QString &title, Q
     return ask([&] { return viewdialogs::askForMarkerFile(this, title, mode); });
 }
 
-/// Of its text, the beginning: the selection may have gigabytes.
+/// As it is painted, without colour sequences: a marker with one would hardly be in any other line. Only the
+/// beginning: the selection may have gigabytes.
 QString QProtocolWidget::firstSelectedLine() const
 {
     if (!m_selection.isActive())
@@ -57,7 +59,10 @@ QString QProtocolWidget::firstSelectedLine() const
         line.extendTo(std::min(last, TextPosition{from.row, from.column + longestPreset}));
         text = copiedText(m_buffer, line).left(longestPreset);
     }
-    return text;
+    const QByteArray bytes = text.toLatin1();
+    PaintedLine painted;
+    painted.set({bytes.constData(), static_cast<std::size_t>(bytes.size())});
+    return QString::fromLatin1(painted.text().data(), static_cast<int>(painted.text().size()));
 }
 
 void QProtocolWidget::find()

@@ -104,6 +104,12 @@ void QProtocolWidget::mousePressEvent(QMouseEvent *event)
     repaintRows();
 }
 
+/// Whoever presses again quickly begins a selection, too.
+void QProtocolWidget::mouseDoubleClickEvent(QMouseEvent *event)
+{
+    mousePressEvent(event);
+}
+
 void QProtocolWidget::mouseMoveEvent(QMouseEvent *event)
 {
     if (!event->buttons().testFlag(Qt::LeftButton))
@@ -154,6 +160,7 @@ void QProtocolWidget::mouseReleaseEvent(QMouseEvent *event)
 void QProtocolWidget::contextMenuEvent(QContextMenuEvent *event)
 {
     const QPointer<QProtocolWidget> kept(this);
+    const Selection selection = m_selection; // new output ends it, but the menu speaks of it
     const QPointer<QMenu> menu(new QMenu(this));
     fillViewMenu(*menu,
                  {m_selection.isActive(), m_showLineNumbers, m_autoScroll, m_buffer.markedOutputOnly()});
@@ -164,7 +171,10 @@ void QProtocolWidget::contextMenuEvent(QContextMenuEvent *event)
     const int code = chosen != nullptr ? chosen->data().toInt() : 0;
     delete menu;
     Q_EMIT modalStateChanged(false);
-    command(code); // the view may be gone now
+    if (code == static_cast<int>(ViewCommand::Copy))
+        copy(selection);
+    else
+        command(code); // the view may be gone now
 }
 
 } // namespace Zorvan

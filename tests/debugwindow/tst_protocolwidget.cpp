@@ -144,6 +144,8 @@ TEST_F(MessageView, AppendsALineForEachPieceAndFollows)
     EXPECT_TRUE(bar().maximum() == 60 && bar().value() == 50);
     run(ViewCommand::Clear);
     EXPECT_TRUE(bar().maximum() == 0 && view->buffer().lineCount() == 0);
+    EXPECT_EQ(view->horizontalScrollBar()->maximum(), 256);
+    EXPECT_TRUE(bar().isVisible() && view->horizontalScrollBar()->isVisible());
 }
 
 TEST_F(MessageView, AsksForMemoryOncePer500Lines)
@@ -448,6 +450,12 @@ protected:
         append(text);
     }
     void act();
+    [[nodiscard]] bool isThatOfAFullRepaint() const
+    {
+        QCoreApplication::processEvents();
+        const auto *const shown = static_cast<QImage *>(view->backingStore()->paintDevice());
+        return *shown == view->grab().toImage();
+    }
 
     std::mt19937 random{1};
 };
@@ -464,7 +472,11 @@ void PictureOfMessages::act()
         [&] { select(at(value, 2), at(value / 2, 6)); },
         [&] { view->horizontalScrollBar()->setValue(value / 4); },
         [&] { fit(5 + value); },
-        [&] { view->buffer().setMaximumLineCount(value == 0 ? 100 : 0); },
+        [&] {
+            view->buffer().setMaximumLineCount(value == 0 ? 100 : 0);
+            if (value == 1)
+                run(ViewCommand::Clear); // ends the ring, in which everything is painted anew
+        },
         [&] { view->buffer().setExtraLines(value % 3), view->updateScrollRange(); },
         [&] { view->setFont(QFont(view->font().family(), 8 + value / 3)); },
         [&] { bar().setValue(value * 20); },
@@ -487,9 +499,18 @@ TEST_P(PictureOfMessages, IsThatOfAFullRepaintWhateverWasMoved)
         act();
         if (i % 2 == 0)
             continue;
-        QCoreApplication::processEvents();
-        const auto *const shown = static_cast<QImage *>(view->backingStore()->paintDevice());
-        ASSERT_EQ(*shown, view->grab().toImage()) << "after action " << i;
+        ASSERT_TRUE(isThatOfAFullRepaint()) << "after action " << i;
+    }
+}
+
+TEST_P(PictureOfMessages, ShowsLinesThatCameAfterTheirRows)
+{
+    view->buffer().addPattern(QStringLiteral("mark"));
+    view->buffer().setExtraLines(2);
+    run(ViewCommand::MarkedOutputOnly);
+    for (const char *const text : {"one\nmark", "late"}) {
+        append(text);
+        EXPECT_TRUE(isThatOfAFullRepaint()) << text;
     }
 }
 

@@ -109,7 +109,8 @@ TEST_F(MarkerFile, GivesItsFirstLineWhateverIsInIt)
     EXPECT_EQ(load(""), QString());
     EXPECT_EQ(load(std::string("\0\xFF\x01", 3)), QString::fromLatin1("\0\xFF\x01", 3));
     EXPECT_EQ(load(std::string(3000000, 'x')), QString(4094, QLatin1Char('x')));
-    for (const QString &nothing : {QString(), path + QStringLiteral(".none"), QStringLiteral("/")})
+    for (const QString &nothing :
+         {QString(), path + QStringLiteral(".none"), QStringLiteral("/"), QStringLiteral("/dev/zero")})
         EXPECT_EQ(markerfile::load(nothing), QString());
 }
 

@@ -242,6 +242,112 @@ TEST_F(Window, EndsWithTheLibraryFromWhereverThatComes)
     Debug::setOutputReceiver(-1, nullptr);
 }
 
+/// Ends the library at one of the events that windows get.
+class Ender : public QObject
+{
+public:
+    explicit Ender(int event)
+        : m_left(event)
+    {
+        qApp->installEventFilter(this);
+    }
+    [[nodiscard]] bool hasEnded() const { return m_left < 0; }
+    bool eventFilter(QObject *watched, QEvent *) override
+    {
+        if (m_left >= 0 && watched->isWidgetType() && m_left-- == 0)
+            Debug::exitDebug();
+        return false;
+    }
+
+private:
+    int m_left;
+};
+
+TEST_F(Window, EndsWithTheLibraryAtAnyEventWhileItIsMade)
+{
+    for (const bool loopIsKnown : {true, false}) {
+        bool hasEnded = true;
+        for (int event = 0; hasEnded; event += 7) {
+            const Ender ender(event);
+            if (!loopIsKnown)
+                Debug::eventLoopFinished();
+            print("line");
+            EXPECT_TRUE(runUntil([&] { return ender.hasEnded() || shows("line"); }));
+            hasEnded = ender.hasEnded();
+            runOn();
+            Debug::initDebug();
+            QCoreApplication::processEvents();
+        }
+        Debug::exitDebug();
+        runOn();
+    }
+    Debug::initDebug();
+}
+
+TEST_F(Window, ShowsLinesThatComeWhileItIsMade)
+{
+    host.onRead = [&](const QString &key) {
+        if (key != QLatin1String("windowTitle"))
+            return;
+        host.onRead = nullptr;
+        print("while it is made");
+        for (int i = 0; i < 10; ++i)
+            QCoreApplication::processEvents();
+    };
+    Debug::showDebugWindow();
+    EXPECT_TRUE(runUntil([] { return shows("while it is made"); }));
+}
+
+TEST_F(Window, IsDeletedWithAnApplicationThatHasNoLoop)
+{
+    print("line");
+    while (debugWindow() == nullptr)
+        QCoreApplication::processEvents();
+    const QPointer<QWidget> window = debugWindow();
+    Debug::exitDebug();
+    EXPECT_FALSE(window && window->isVisible());
+    endApplication();
+    EXPECT_TRUE(window.isNull());
+}
+
+TEST_F(Window, OfTheHostServesEachQueueAnewUntilItIsDeleted)
+{
+    auto supplied = std::make_unique<DebugWindow>(QStringLiteral("host"));
+    Debug::exitDebug();
+    Debug::setExtWindow(supplied.get());
+    for (const int clients : {1, 0}) {
+        Debug::initDebug();
+        Debug::setClientCount(clients);
+        Debug::setServerMode(clients == 0);
+        waitForWindow();
+        EXPECT_EQ(debugWindow(), supplied.get());
+        EXPECT_EQ(button("Settings...")->isEnabled(), clients == 0);
+        EXPECT_FALSE(button("Output Off")->isEnabled());
+        Debug::exitDebug();
+        EXPECT_TRUE(supplied->isVisible());
+        supplied->clearText();
+    }
+    supplied.reset();
+    Debug::initDebug();
+    waitForWindow();
+}
+
+TEST_F(Window, StoresNothingOfALibraryThatHasEnded)
+{
+    waitForWindow();
+    for (const char *const place : {"DebugAnalysisWindowGeometry", "DebugServerDebugClasses"}) {
+        host.onRead = [place](const QString &key) {
+            if (key == QLatin1String(place))
+                Debug::exitDebug();
+        };
+        QMetaObject::invokeMethod(debugWindow(), "makeDefault");
+        host.onRead = nullptr;
+        EXPECT_EQ(host.stored("DebugServerFileSize"), QString()) << place;
+        Debug::initDebug();
+        waitForWindow();
+    }
+}
+
 TEST_F(Window, LosesNothingWhenTheHostEndsTheLibraryWhileItIsMade)
 {
     for (const bool startsAgain : {false, true}) {

@@ -114,7 +114,7 @@ public:
     virtual void showMessage(const QString &text);
 };
 
-/// Sees the keys and the state of the debug window first.
+/// Sees the state of the debug window, and the keys that none of its controls has used up.
 class ZORVAN_EXPORT IKeyInterface
 {
 public:
