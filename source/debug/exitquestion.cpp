@@ -9,13 +9,11 @@
 
 #include <QMessageBox>
 
-#include <algorithm>
-
 namespace Zorvan {
 
 namespace {
 
-constexpr int pieceBytes = 1 << 20;
+constexpr std::size_t pieceBytes = 1 << 16;
 
 std::string latin1(const QString &text)
 {
@@ -34,16 +32,14 @@ bool userWantsToSave()
 }
 
 /// In pieces: the lines may take half of the memory.
-void appendToOutputFile(const QByteArray &lines)
+void appendToOutputFile(const DebugWindow &window)
 {
     const TableLock guard;
-    for (int begin = 0; begin < lines.size();) {
-        const int lineEnd = lines.indexOf('\n', begin + std::min(pieceBytes, lines.size() - 1 - begin));
-        const int end = lineEnd < 0 ? lines.size() : lineEnd;
-        std::string piece = lines.mid(begin, end - begin).replace('\n', "\r\n").toStdString();
-        outputFile().append(piece, OutputFile::Writing::On);
-        begin = end + 1;
-    }
+    window.forEachPiece(pieceBytes, [](QByteArray piece) {
+        std::string lines = piece.replace("\n", "\r\n").toStdString();
+        outputFile().append(lines, OutputFile::Writing::On);
+        return true;
+    });
 }
 
 } // namespace
@@ -57,7 +53,7 @@ void offerToSaveWindowText()
     if (guibridge::windowHere() == nullptr || !userWantsToSave())
         return;
     if (const DebugWindow *const window = guibridge::windowWithAllLines()) // with those that came meanwhile
-        appendToOutputFile(window->allLines());
+        appendToOutputFile(*window);
 }
 
 } // namespace Zorvan

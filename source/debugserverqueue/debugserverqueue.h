@@ -73,6 +73,7 @@ private:
     void fillHooks();
     void showTitle();
     void putWindowOnScreen();
+    std::int64_t sendWindowText(const DebugWindow &window);
     void showWindow();
     [[nodiscard]] bool isInUse() const;
 

@@ -8,7 +8,15 @@
 
 #include <QPointer>
 
+#include <limits>
+
 namespace Zorvan {
+
+namespace {
+
+constexpr std::size_t mostBytesOfRecord = std::numeric_limits<int>::max() - 1024; // of a QByteArray
+
+} // namespace
 
 bool DebugServerQueue::wantsWindow() const
 {
@@ -102,6 +110,18 @@ void DebugServerQueue::deliverToWindow()
         m_window.get()->appendOutput(m_batch);
 }
 
+/// Returns how many lines were sent: not all, if there is no memory for them.
+std::int64_t DebugServerQueue::sendWindowText(const DebugWindow &window)
+{
+    std::int64_t lines = 0;
+    window.forEachPiece(mostBytesOfRecord, [this, &lines](const QByteArray &piece) {
+        lines += piece.count('\n') + 1;
+        m_remoteAccess.send(piece);
+        return true;
+    });
+    return lines;
+}
+
 /// With clients the text of the window goes to them and they take all that follows, so that whoever connects
 /// sees what has come so far. Nothing is emptied for clients that are only announced.
 void DebugServerQueue::clientCountChanged()
@@ -109,11 +129,9 @@ void DebugServerQueue::clientCountChanged()
     const QPointer<DebugWindow> window = m_window.get();
     if (window == nullptr)
         return;
-    const QByteArray text = m_remoteAccess.hasClients() ? window->allLines() : QByteArray();
-    if (!text.isEmpty()) {
-        m_remoteAccess.send(text);
+    if (m_remoteAccess.hasClients() && window->lineCount() > 0
+        && sendWindowText(*window) == window->lineCount())
         window->clearText();
-    }
     if (window)
         window->setClientsConnected(guibridge::clientCount() > 0);
 }

@@ -64,7 +64,7 @@ DebugWindow::DebugWindow(const QString &)
     , m_analysisTexts(new AnalysisTexts(this, [this](const std::string &text) { appendOutput(text); }))
     , m_tools(new WindowToolBar(this))
     , m_view(new QProtocolWidget(this))
-    , m_parameterHistory(*m_tools->parameters)
+    , m_parameterHistory(*m_tools->parameters())
 {
     setAttribute(Qt::WA_QuitOnClose, false); // the host ends with its own windows
     resize(m_restoredPlace.size());
@@ -90,15 +90,15 @@ DebugWindow::~DebugWindow() = default;
 
 void DebugWindow::connectControls()
 {
-    connect(m_tools->outputOff, &QPushButton::clicked, this, &DebugWindow::outputOff);
-    connect(m_tools->clearLog, &QPushButton::clicked, this, &DebugWindow::clear);
-    connect(m_tools->activate, &QPushButton::clicked, this, &DebugWindow::hook);
-    connect(m_tools->settings, &QPushButton::clicked, this, &DebugWindow::configuration);
-    connect(m_tools->analyze, &QPushButton::clicked, this, &DebugWindow::analyzing);
-    connect(m_tools->parameters, &QComboBox::editTextChanged, this, &DebugWindow::typedInput);
-    connect(m_tools->parameters, &QComboBox::textActivated, this, &DebugWindow::enteredInput);
-    m_tools->parameters->installEventFilter(this);
-    m_tools->parameters->view()->installEventFilter(this);
+    connect(m_tools->outputOff(), &QPushButton::clicked, this, &DebugWindow::outputOff);
+    connect(m_tools->clearLog(), &QPushButton::clicked, this, &DebugWindow::clear);
+    connect(m_tools->activate(), &QPushButton::clicked, this, &DebugWindow::hook);
+    connect(m_tools->settings(), &QPushButton::clicked, this, &DebugWindow::configuration);
+    connect(m_tools->analyze(), &QPushButton::clicked, this, &DebugWindow::analyzing);
+    connect(m_tools->parameters(), &QComboBox::editTextChanged, this, &DebugWindow::typedInput);
+    connect(m_tools->parameters(), &QComboBox::textActivated, this, &DebugWindow::enteredInput);
+    m_tools->parameters()->installEventFilter(this);
+    m_tools->parameters()->view()->installEventFilter(this);
     m_completionTimer.setSingleShot(true);
     connect(&m_completionTimer, &QTimer::timeout, this, &DebugWindow::timeout);
     connect(m_view, &QProtocolWidget::modalStateChanged, m_reports, &HandlerReports::setModalOpen);
@@ -135,9 +135,14 @@ void DebugWindow::clearText()
     m_tools->showLineCount(m_view->buffer().lineCount());
 }
 
-QByteArray DebugWindow::allLines() const
+std::uint32_t DebugWindow::lineCount() const
 {
-    return Zorvan::allLines(m_view->buffer());
+    return m_view->buffer().lineCount();
+}
+
+void DebugWindow::forEachPiece(std::size_t mostBytes, const std::function<bool(QByteArray piece)> &take) const
+{
+    Zorvan::forEachPiece(m_view->buffer(), mostBytes, take);
 }
 
 void DebugWindow::setOutputOn(bool on)
@@ -165,7 +170,7 @@ void DebugWindow::hookDone()
 {
     m_locks.hookRuns = false;
     m_tools->setLocks(m_locks);
-    m_tools->parameters->setFocus();
+    m_tools->parameters()->setFocus();
 }
 
 void DebugWindow::setClientsConnected(bool connected)
@@ -197,11 +202,11 @@ bool DebugWindow::isOutputIdle()
 
 void DebugWindow::hook()
 {
-    const QString parameters = m_tools->parameters->currentText();
+    const QString parameters = m_tools->parameters()->currentText();
     m_parameterHistory.add(parameters);
     if (!m_tools->hasHooks())
         return;
-    const QByteArray key = m_tools->hooks->currentText().toLatin1();
+    const QByteArray key = m_tools->hooks()->currentText().toLatin1();
     const BusyScope busy;
     Debug::activateHooks(key.constData(), parameters.toLatin1().constData()); // may end with this window
 }
@@ -255,12 +260,12 @@ bool DebugWindow::filterParameterKey(const QObject *watched, const QKeyEvent &ev
 {
     if (!isReturn(event))
         return false;
-    if (watched != m_tools->parameters) {
-        QMetaObject::invokeMethod(m_tools->activate, &QPushButton::click, Qt::QueuedConnection);
+    if (watched != m_tools->parameters()) {
+        QMetaObject::invokeMethod(m_tools->activate(), &QPushButton::click, Qt::QueuedConnection);
         return false;
     }
     if (!event.isAutoRepeat())
-        m_tools->activate->click(); // does nothing while it is disabled
+        m_tools->activate()->click(); // does nothing while it is disabled
     return true;
 }
 

@@ -11,6 +11,7 @@
 #include <QTimer>
 #include <QWidget>
 
+#include <functional>
 #include <optional>
 #include <string_view>
 
@@ -42,8 +43,10 @@ public:
     /// Shows a batch of Latin-1 lines, "\n" between them, or drops it while the output is off.
     void appendOutput(std::string_view lines);
     void clearText();
-    /// All lines, also those that only marked output hides, in Latin-1 with "\n" between them.
-    [[nodiscard]] QByteArray allLines() const;
+    [[nodiscard]] std::uint32_t lineCount() const;
+    /// All lines, also those that only marked output hides, in Latin-1 with "\n" between them: as one text if
+    /// it is not longer than \a mostBytes, otherwise in pieces. \a take returns false if it wants no more.
+    void forEachPiece(std::size_t mostBytes, const std::function<bool(QByteArray piece)> &take) const;
     /// Switches the output on or off; what it was does not matter.
     void setOutputOn(bool on);
     /// Fills the hook selector anew.

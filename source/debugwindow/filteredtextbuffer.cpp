@@ -2,13 +2,9 @@
 
 #include <zorvan/debug.h>
 
-#include <QCursor>
-#include <QGuiApplication>
-#include <QStringList>
-
 #include <algorithm>
-#include <array>
 #include <cstring>
+#include <new>
 
 namespace Zorvan {
 
@@ -17,30 +13,6 @@ namespace {
 constexpr std::uint32_t initialTextStep = 8388608; // bytes
 constexpr std::uint32_t initialIndexStep = 65536; // lines
 constexpr std::uint32_t endMargin = 1024; // bytes: longer lines are seldom
-constexpr std::int64_t mostExtraLines = 100000;
-
-/// A run of lines that are searched for all patterns, one after the other: it stays in the processor's cache.
-constexpr std::uint32_t mostLinesOfRun = 256;
-constexpr std::uint32_t mostBytesOfRun = 16384;
-
-class WaitCursor
-{
-public:
-    WaitCursor()
-        : m_isShown(qobject_cast<QGuiApplication *>(QCoreApplication::instance()) != nullptr)
-    {
-        if (m_isShown) // Qt aborts without a GUI
-            QGuiApplication::setOverrideCursor(Qt::WaitCursor);
-    }
-    ~WaitCursor()
-    {
-        if (m_isShown)
-            QGuiApplication::restoreOverrideCursor();
-    }
-
-private:
-    bool m_isShown;
-};
 
 } // namespace
 
@@ -67,22 +39,26 @@ std::uint64_t CFilteredTextBuffer::allocatedBytes() const
 
 void CFilteredTextBuffer::appendLine(std::string_view text)
 {
+    m_lastRead = {};
     beginRingIfFull(text.size());
-    if (!m_wraparound)
-        ++m_lineCount;
-    else if (m_lineCount > 0)
+    if (m_wraparound && m_lineCount == 0) { // no memory for the first line, but perhaps for the next
+        m_wraparound = false;
+        return;
+    }
+    if (m_wraparound)
         advanceRing(text.size());
     else
-        return; // not even the first line found room
+        ++m_lineCount;
     const std::string_view stored = store(text);
     if (isFiltering())
         indexNewLine(stored);
 }
 
 void CFilteredTextBuffer::appendLine(const QString &text)
-{
+try {
     const QByteArray bytes = text.toLatin1();
     appendLine(std::string_view(bytes.constData(), static_cast<std::size_t>(bytes.size())));
+} catch (const std::bad_alloc &) { // as a line that finds no room
 }
 
 bool CFilteredTextBuffer::isNearEnd(std::uint32_t bytes) const
@@ -131,6 +107,7 @@ std::string_view CFilteredTextBuffer::store(std::string_view text)
 
 void CFilteredTextBuffer::clearAll()
 {
+    m_lastRead = {};
     m_text.release();
     m_lineStarts.release();
     m_filterIndex.clear();
@@ -162,16 +139,35 @@ const char *CFilteredTextBuffer::textOf(std::uint32_t slot) const
     return m_text.elements() + m_lineStarts[slot];
 }
 
+/// The end of a line is looked for once, even if the slots of thousands of lines that were written over point
+/// into it.
+std::string_view CFilteredTextBuffer::lineOf(std::uint32_t slot) const
+{
+    const char *const text = textOf(slot);
+    const char *const known = m_lastRead.data();
+    const char *end = known + m_lastRead.size();
+    if (known == nullptr || text > end) {
+        end = text + std::strlen(text);
+    } else if (text < known) {
+        const void *const zero = std::memchr(text, 0, static_cast<std::size_t>(known - text));
+        end = zero != nullptr ? static_cast<const char *>(zero) : end;
+    }
+    m_lastRead = {text, static_cast<std::size_t>(end - text)};
+    return m_lastRead;
+}
+
 std::string_view CFilteredTextBuffer::line(std::int64_t row) const
 {
     const std::uint32_t slot = slotOf(Rows::Shown, row);
-    return slot < m_lineCount ? std::string_view(textOf(slot)) : std::string_view();
+    return slot < m_lineCount ? lineOf(slot) : std::string_view();
 }
 
 QString CFilteredTextBuffer::text(std::int64_t row) const
-{
+try {
     const std::string_view bytes = line(row).substr(0, mostCharactersOfString);
     return QString::fromLatin1(bytes.data(), static_cast<int>(bytes.size()));
+} catch (const std::bad_alloc &) {
+    return {};
 }
 
 /// The slot behind the last of those that follow each other as the rows do.
@@ -195,21 +191,17 @@ std::uint32_t CFilteredTextBuffer::endOfRun(std::uint32_t first, std::uint32_t e
     if (!m_wraparound)
         return end;
     const std::uint32_t most = std::min(end - first, mostLinesOfRun);
-    std::uint32_t length = 1;
-    for (const char *line = textOf(first); length < most; ++length) {
-        const char *const next = line + std::strlen(line) + 1;
-        if (textOf(first + length) != next)
-            break;
-        line = next;
-    }
-    return first + length;
+    std::uint32_t slot = first;
+    const char *next = textOf(first) + lineOf(first).size() + 1;
+    while (++slot < first + most && textOf(slot) == next)
+        next += std::strlen(next) + 1;
+    return slot;
 }
 
 std::string_view CFilteredTextBuffer::textOfRun(std::uint32_t first, std::uint32_t end) const
 {
-    const char *const text = textOf(first);
-    const char *const lastLine = textOf(end - 1);
-    return {text, static_cast<std::size_t>(lastLine - text) + std::strlen(lastLine)};
+    const std::uint32_t distance = m_lineStarts[end - 1] - m_lineStarts[first];
+    return {textOf(first), distance + lineOf(end - 1).size()};
 }
 
 Stretch CFilteredTextBuffer::stretch(Rows rows, std::int64_t row, std::int64_t end) const
@@ -219,6 +211,19 @@ Stretch CFilteredTextBuffer::stretch(Rows rows, std::int64_t row, std::int64_t e
         return {{}, 1};
     const std::uint32_t runEnd = endOfRun(first, endOfSequence(rows, row, std::max(end, row + 1)));
     return {textOfRun(first, runEnd), runEnd - first};
+}
+
+Stretch CFilteredTextBuffer::stretchToCopy(Rows rows, std::int64_t row, std::int64_t end) const
+{
+    Stretch copied = stretch(rows, row, end);
+    const std::uint32_t last = slotOf(rows, row + copied.rowCount - 1);
+    if (last >= m_lineCount || last + 1 == m_writeSlot) // no line, or the newest
+        return copied;
+    const std::size_t length = lineOf(last).size();
+    const std::uint32_t distance = m_lineStarts[(last + 1) % m_lineCount] - m_lineStarts[last];
+    if (distance < length) // if the next begins before, the difference is beyond all lengths
+        copied.text.remove_suffix(length - distance);
+    return copied;
 }
 
 /// The row that a place in the text of shown rows belongs to.
@@ -232,10 +237,11 @@ std::int64_t CFilteredTextBuffer::rowAt(std::int64_t firstRow, const Stretch &ro
 
 std::int64_t CFilteredTextBuffer::findDown(const TextPattern &pattern, std::int64_t row) const
 {
+    RepeatedSearch search(pattern);
     const std::int64_t end = rowCount();
     for (std::int64_t i = std::max<std::int64_t>(row, 0); i < end;) {
         const Stretch rows = stretch(Rows::Shown, i, end);
-        const std::size_t found = pattern.findIn(rows.text);
+        const std::size_t found = search.findIn(rows.text);
         if (found != TextPattern::notFound)
             return rowAt(i, rows, found);
         i += rows.rowCount;
@@ -246,10 +252,11 @@ std::int64_t CFilteredTextBuffer::findDown(const TextPattern &pattern, std::int6
 /// More rows at once the longer it takes: near the last hit there is often another.
 std::int64_t CFilteredTextBuffer::findUp(const TextPattern &pattern, std::int64_t row) const
 {
+    RepeatedSearch search(pattern);
     std::int64_t end = std::min<std::int64_t>(row, std::int64_t(rowCount()) - 1) + 1;
     for (std::int64_t count = 4; end > 0; count = std::min<std::int64_t>(2 * count, mostLinesOfRun)) {
         const std::int64_t begin = std::max<std::int64_t>(end - count, 0);
-        const std::int64_t found = findLast(pattern, begin, end);
+        const std::int64_t found = findLast(search, begin, end);
         if (found >= 0)
             return found;
         end = begin;
@@ -257,138 +264,17 @@ std::int64_t CFilteredTextBuffer::findUp(const TextPattern &pattern, std::int64_
     return -1;
 }
 
-std::int64_t CFilteredTextBuffer::findLast(const TextPattern &pattern, std::int64_t row,
-                                           std::int64_t end) const
+std::int64_t CFilteredTextBuffer::findLast(RepeatedSearch &search, std::int64_t row, std::int64_t end) const
 {
     std::int64_t last = -1;
     for (std::int64_t i = row; i < end;) {
         const Stretch rows = stretch(Rows::Shown, i, end);
-        const std::size_t found = pattern.findIn(rows.text);
+        const std::size_t found = search.findIn(rows.text);
         if (found != TextPattern::notFound)
             last = rowAt(i, rows, found);
         i = found != TextPattern::notFound ? last + 1 : i + rows.rowCount;
     }
     return last;
-}
-
-PatternMatch CFilteredTextBuffer::match(std::string_view text) const
-{
-    PatternMatch result;
-    for (std::size_t i = 0; i < m_patterns.size(); ++i) {
-        result.length = m_patterns[i].text().size();
-        const std::size_t position = m_patterns[i].findIn(text);
-        if (position != TextPattern::notFound) {
-            result.position = static_cast<std::int64_t>(position);
-            result.place = static_cast<std::int64_t>(i);
-            break;
-        }
-    }
-    return result;
-}
-
-void CFilteredTextBuffer::addPattern(const QString &text)
-{
-    m_patterns.emplace_back(text);
-    m_hasPatterns = true;
-    setMarkedOutputOnly(m_markedOutputOnly);
-}
-
-void CFilteredTextBuffer::removePattern(const QString &text)
-{
-    for (std::size_t i = 0; i < m_patterns.size(); ++i) { // passes over the one behind a removed one
-        if (m_patterns[i].text() == text)
-            m_patterns.erase(m_patterns.begin() + static_cast<std::ptrdiff_t>(i));
-    }
-}
-
-void CFilteredTextBuffer::clearPatterns()
-{
-    m_patterns.clear();
-    m_hasPatterns = false;
-}
-
-QString CFilteredTextBuffer::patterns() const
-{
-    QStringList texts;
-    for (const TextPattern &pattern : m_patterns)
-        texts += pattern.text();
-    return texts.join(QLatin1Char('|'));
-}
-
-void CFilteredTextBuffer::indexNewLine(std::string_view stored)
-{
-    if (m_wraparound)
-        m_filterIndex.dropOverwritten(m_ringStart, m_extraLines);
-    if (match(stored).position < 0)
-        return;
-    if (!m_filterIndex.enter(m_writeSlot - 1, m_extraLines)) {
-        gyxLog("source/debugwindow", 220,
-               "CFilteredTextBuffer resize of index filter array failed. Reducing message count\n");
-        m_filterIndex.dropOldestQuarter();
-    }
-    if (m_wraparound)
-        m_filterIndex.hideOldest();
-}
-
-void CFilteredTextBuffer::setMarkedOutputOnly(bool on)
-{
-    m_markedOutputOnly = on;
-    if (!isFiltering()) {
-        m_filterIndex.clear();
-        return;
-    }
-    const WaitCursor cursor;
-    for (std::uint32_t slot = 0; slot < m_lineCount;) {
-        const std::uint32_t end = endOfShortRun(slot);
-        if (!indexRun(slot, end))
-            return; // without memory, what was found so far is shown
-        slot = end;
-    }
-}
-
-void CFilteredTextBuffer::setExtraLines(std::int64_t count)
-{
-    m_extraLines = static_cast<std::uint32_t>(std::clamp<std::int64_t>(count, 0, mostExtraLines));
-    if (!m_markedOutputOnly)
-        return;
-    m_filterIndex.clear();
-    setMarkedOutputOnly(true);
-}
-
-std::uint32_t CFilteredTextBuffer::endOfShortRun(std::uint32_t first) const
-{
-    const std::uint32_t end = endOfRun(first, first + std::min(m_lineCount - first, mostLinesOfRun));
-    const std::uint32_t *const starts = m_lineStarts.elements();
-    const std::uint64_t behind = std::uint64_t(starts[first]) + mostBytesOfRun;
-    return static_cast<std::uint32_t>(std::upper_bound(starts + first + 1, starts + end, behind) - starts);
-}
-
-bool CFilteredTextBuffer::indexRun(std::uint32_t first, std::uint32_t end)
-{
-    std::array<bool, mostLinesOfRun> isMarked{};
-    for (const TextPattern &pattern : m_patterns)
-        findInRun(pattern, first, end, isMarked.data());
-    for (std::uint32_t slot = first; slot < end; ++slot) {
-        if (isMarked[slot - first] && !m_filterIndex.enter(slot, m_extraLines))
-            return false;
-    }
-    return true;
-}
-
-void CFilteredTextBuffer::findInRun(const TextPattern &pattern, std::uint32_t first, std::uint32_t end,
-                                    bool *isMarked) const
-{
-    const std::string_view text = textOfRun(first, end);
-    for (std::uint32_t slot = first; slot < end; ++slot) {
-        const auto searched = static_cast<std::size_t>(textOf(slot) - text.data());
-        const std::size_t distance = pattern.findIn(text.substr(searched));
-        if (distance == TextPattern::notFound)
-            return;
-        const char *const found = textOf(slot) + distance;
-        while (slot + 1 < end && textOf(slot + 1) <= found)
-            ++slot;
-        isMarked[slot - first] = true;
-    }
 }
 
 } // namespace Zorvan

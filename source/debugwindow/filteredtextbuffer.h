@@ -53,8 +53,13 @@ public:
     void sizeGrowthSteps(std::uint64_t availableBytes);
     /// 0: none. From that many lines on the buffer is a ring.
     void setMaximumLineCount(std::uint32_t count) { m_maximumLineCount = count; }
-    /// Of the text block, in bytes; 0: none. The buffer becomes a ring 1024 bytes before.
-    void setMemoryLimit(std::uint32_t bytes) { m_memoryLimit = bytes; }
+    /// Of the text block, in bytes; 0: none. The buffer becomes a ring 1024 bytes before. The index of marked
+    /// lines gets a quarter as much on top.
+    void setMemoryLimit(std::uint32_t bytes)
+    {
+        m_memoryLimit = bytes;
+        m_filterIndex.setMemoryLimit(bytes);
+    }
     [[nodiscard]] std::uint32_t memoryLimit() const { return m_memoryLimit; }
     /// What the three blocks take.
     [[nodiscard]] std::uint64_t allocatedBytes() const;
@@ -84,6 +89,9 @@ public:
     /// As many rows as can be had at once: from \a row on, at least that one, none from \a end on. Valid
     /// until the buffer changes.
     [[nodiscard]] Stretch stretch(Rows rows, std::int64_t row, std::int64_t end) const;
+    /// The same, but of a line that the ring has written over only what lies before the next: its row shows
+    /// the end of a newer line, and thousands may show the end of a long one.
+    [[nodiscard]] Stretch stretchToCopy(Rows rows, std::int64_t row, std::int64_t end) const;
 
     /// The nearest row from \a row on, downwards or upwards, that has the pattern in its line; -1: none has.
     /// Rows that do not exist are passed over.
@@ -112,6 +120,7 @@ public:
 
 private:
     static constexpr std::uint32_t noSlot = 0xFFFFFFFF;
+    static constexpr std::uint32_t mostLinesOfRun = 256;
 
     void beginRingIfFull(std::size_t length);
     void advanceRing(std::size_t length);
@@ -120,16 +129,17 @@ private:
     [[nodiscard]] bool isFiltering() const { return m_hasPatterns && m_markedOutputOnly; }
     [[nodiscard]] std::uint32_t slotOf(Rows rows, std::int64_t row) const;
     [[nodiscard]] const char *textOf(std::uint32_t slot) const;
+    [[nodiscard]] std::string_view lineOf(std::uint32_t slot) const;
     [[nodiscard]] std::uint32_t endOfSequence(Rows rows, std::int64_t row, std::int64_t end) const;
     [[nodiscard]] std::uint32_t endOfRun(std::uint32_t first, std::uint32_t end) const;
     [[nodiscard]] std::string_view textOfRun(std::uint32_t first, std::uint32_t end) const;
     [[nodiscard]] std::int64_t rowAt(std::int64_t firstRow, const Stretch &rows, std::size_t place) const;
-    [[nodiscard]] std::int64_t findLast(const TextPattern &pattern, std::int64_t row, std::int64_t end) const;
+    [[nodiscard]] std::int64_t findLast(RepeatedSearch &search, std::int64_t row, std::int64_t end) const;
 
     void indexNewLine(std::string_view stored);
     [[nodiscard]] std::uint32_t endOfShortRun(std::uint32_t first) const;
-    bool indexRun(std::uint32_t first, std::uint32_t end);
-    void findInRun(const TextPattern &pattern, std::uint32_t first, std::uint32_t end, bool *isMarked) const;
+    bool indexRun(std::vector<RepeatedSearch> &searches, std::uint32_t first, std::uint32_t end);
+    void findInRun(RepeatedSearch &search, std::uint32_t first, std::uint32_t end, bool *isMarked) const;
 
     GrowingBlock<char> m_text;
     std::uint32_t m_textWritePosition = 0;
@@ -145,6 +155,7 @@ private:
     std::uint32_t m_ringStart = 0;
     std::uint32_t m_writeSlot = 0;
     std::uint32_t m_extraLines = 0;
+    mutable std::string_view m_lastRead; // from its first byte on, up to the zero byte behind it
 };
 
 } // namespace Zorvan

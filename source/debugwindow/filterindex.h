@@ -14,8 +14,12 @@ class FilterIndex
 public:
     FilterIndex(Reallocate reallocate, std::uint32_t step)
         : m_entries(reallocate, step)
-    {}
+    {
+        setMemoryLimit(0);
+    }
     void setGrowthStep(std::uint32_t step) { m_entries.setGrowthStep(step); }
+    /// Of all lines, in bytes; 0: none. The index gets a quarter, or 1 GiB.
+    void setMemoryLimit(std::uint32_t bytes) { m_entries.setMostBytes(bytes > 0 ? bytes / 4 : 1U << 30U); }
 
     /// Entries from the first that is shown on.
     [[nodiscard]] std::uint32_t rowCount() const

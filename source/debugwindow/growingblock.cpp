@@ -2,16 +2,14 @@
 
 #include <zorvan/debug.h>
 
-#include <limits>
-
 namespace Zorvan {
 
 void *grownBlock(Reallocate reallocate, void *block, std::uint32_t &capacity, std::uint64_t neededBytes,
-                 std::uint64_t stepBytes)
+                 Growth growth)
 {
     const std::uint64_t missing = neededBytes > capacity ? neededBytes - capacity : 1;
-    const std::uint64_t bytes = capacity + (missing + stepBytes - 1) / stepBytes * stepBytes;
-    const bool isTooLarge = bytes > std::numeric_limits<std::uint32_t>::max();
+    const std::uint64_t bytes = capacity + (missing + growth.step - 1) / growth.step * growth.step;
+    const bool isTooLarge = bytes > growth.most;
     void *const grown = isTooLarge ? nullptr : reallocate(block, static_cast<std::size_t>(bytes));
     if (grown == nullptr) {
         gyxLog(

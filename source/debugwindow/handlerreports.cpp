@@ -20,7 +20,7 @@ bool HandlerReports::report(QEvent *event)
     switch (event->type()) {
     case QEvent::KeyPress:
     case QEvent::KeyRelease:
-        return reportKey(*static_cast<QKeyEvent *>(event)) || !kept;
+        return reportKey(*static_cast<QKeyEvent *>(event)) || kept == nullptr;
     case QEvent::Show:
         reportShown();
         break;
@@ -43,7 +43,7 @@ bool HandlerReports::report(QEvent *event)
     default:
         break;
     }
-    return !kept;
+    return kept == nullptr;
 }
 
 void HandlerReports::setModalOpen(bool open)
@@ -51,7 +51,7 @@ void HandlerReports::setModalOpen(bool open)
     m_modalsOpen = qMax(0, m_modalsOpen + (open ? 1 : -1));
 }
 
-bool HandlerReports::reportKey(QKeyEvent &event) const
+bool HandlerReports::reportKey(const QKeyEvent &event)
 {
     IKeyInterface *const handler = Debug::getKeyboardHandler();
     return handler != nullptr && handler->keyEvent(event.key(), static_cast<int>(event.modifiers()));

@@ -21,7 +21,7 @@ public:
     void setModalOpen(bool open);
 
 private:
-    [[nodiscard]] bool reportKey(QKeyEvent &event) const;
+    [[nodiscard]] static bool reportKey(const QKeyEvent &event);
     void reportVisible(bool isVisible);
     void reportShown();
     void reportActive(bool isActive);

@@ -31,9 +31,9 @@ struct TextLeft
         if (!memory.empty())
             memory.pop_back();
     }
-    void append(std::size_t begin, std::size_t end)
+    void append(std::size_t from, std::size_t to)
     {
-        const std::string_view piece = line.substr(begin, end - begin);
+        const std::string_view piece = line.substr(from, to - from);
         if (text.empty() || piece.empty()) {
             text = text.empty() ? piece : text;
             return;
@@ -66,10 +66,10 @@ struct PiecesLeft
         if (--pieces.back().end == pieces.back().begin)
             pieces.pop_back();
     }
-    void append(std::size_t begin, std::size_t end)
+    void append(std::size_t from, std::size_t to)
     {
-        if (begin < end)
-            pieces.push_back({begin, end});
+        if (from < to)
+            pieces.push_back({from, to});
     }
 };
 

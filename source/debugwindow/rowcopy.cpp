@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <new>
+#include <utility>
 #include <vector>
 
 namespace Zorvan {
@@ -12,6 +13,8 @@ namespace Zorvan {
 namespace {
 
 using Rows = CFilteredTextBuffer::Rows;
+
+constexpr std::size_t largePageBytes = 2 << 20; // a smaller copy would not fill a single one
 
 /// Texts of one row or several, which stay where they are until all is known about the copy: then it takes
 /// one block of exactly the right size.
@@ -49,18 +52,19 @@ public:
     void addRows(const CFilteredTextBuffer &buffer, Rows rows, std::int64_t row, std::int64_t end)
     {
         while (row < end && !m_isFull) {
-            const Stretch stretch = buffer.stretch(rows, row, end);
+            const Stretch stretch = buffer.stretchToCopy(rows, row, end);
             add(stretch.text);
             row += stretch.rowCount;
         }
     }
 
-    /// In one block of the right size; Unit is what the text is made of. Empty if there is no memory for it.
+    /// In one block of the right size; Unit is what the text is made of.
     template <typename Text, typename Unit>
     [[nodiscard]] Text joined() const
-    try {
+    {
         Text text(static_cast<int>(m_size), Qt::Uninitialized);
-        platform::preferLargePages(text.data(), m_size * sizeof(Unit));
+        if (m_size * sizeof(Unit) >= largePageBytes)
+            platform::preferLargePages(text.data(), m_size * sizeof(Unit));
         auto *out = reinterpret_cast<Unit *>(text.data());
         for (std::size_t i = 0; i < m_texts.size(); ++i) {
             if (i > 0)
@@ -70,8 +74,6 @@ public:
             });
         }
         return text;
-    } catch (const std::bad_alloc &) {
-        return {};
     }
 
 private:
@@ -80,6 +82,71 @@ private:
     bool m_isSkipping = false;
     bool m_isFull = false;
     std::vector<std::string_view> m_texts;
+};
+
+/// Gathers whole lines until they make a piece.
+class LinePieces
+{
+public:
+    using Take = std::function<bool(QByteArray piece)>;
+
+    LinePieces(std::size_t mostBytes, const Take &take)
+        : m_mostBytes(std::min(mostBytes, mostBytesOfArray))
+        , m_take(take)
+    {}
+
+    /// Zero bytes are between lines. False: no more are wanted.
+    bool add(std::string_view lines)
+    {
+        while (sizeBefore() + lines.size() > m_mostBytes) {
+            const std::size_t room = m_mostBytes - std::min(m_mostBytes, sizeBefore());
+            std::size_t end = sizeBefore() <= m_mostBytes ? lines.rfind('\0', room) : lines.npos;
+            if (end == lines.npos && m_hasLine) {
+                if (!finish())
+                    return false;
+                continue;
+            }
+            if (end == lines.npos)
+                end = lines.find('\0'); // the line is a piece of its own
+            append(lines.substr(0, end));
+            if (!finish())
+                return false;
+            if (end == lines.npos)
+                return true;
+            lines.remove_prefix(end + 1);
+        }
+        append(lines);
+        return true;
+    }
+
+    /// Hands over what is left.
+    bool finish()
+    {
+        const bool hadLine = std::exchange(m_hasLine, false);
+        return !hadLine || m_take(std::exchange(m_piece, QByteArray()));
+    }
+
+private:
+    /// With the separator.
+    [[nodiscard]] std::size_t sizeBefore() const
+    {
+        return static_cast<std::size_t>(m_piece.size()) + (m_hasLine ? 1 : 0);
+    }
+
+    void append(std::string_view lines)
+    {
+        if (m_hasLine)
+            m_piece += '\n';
+        m_hasLine = true;
+        const int begin = m_piece.size();
+        m_piece.append(lines.data(), static_cast<int>(std::min(lines.size(), mostBytesOfArray)));
+        std::replace(m_piece.begin() + begin, m_piece.end(), '\0', '\n');
+    }
+
+    std::size_t m_mostBytes;
+    const Take &m_take;
+    QByteArray m_piece;
+    bool m_hasLine = false; // it may be empty
 };
 
 /// Of a row that the selection begins or ends in.
@@ -112,7 +179,7 @@ void addSelected(Pieces &pieces, const CFilteredTextBuffer &buffer, const Select
 } // namespace
 
 QString copiedText(const CFilteredTextBuffer &buffer, const Selection &selection, std::size_t mostCharacters)
-{
+try {
     Pieces pieces(mostCharacters);
     pieces.skipEmptyRows();
     if (selection.isActive())
@@ -120,13 +187,32 @@ QString copiedText(const CFilteredTextBuffer &buffer, const Selection &selection
     else
         pieces.addRows(buffer, Rows::Shown, 0, buffer.rowCount());
     return pieces.joined<QString, char16_t>();
+} catch (const std::bad_alloc &) {
+    return {};
 }
 
 QByteArray allLines(const CFilteredTextBuffer &buffer, std::size_t mostBytes)
-{
+try {
     Pieces pieces(mostBytes);
     pieces.addRows(buffer, Rows::Stored, 0, buffer.lineCount());
     return pieces.joined<QByteArray, char>();
+} catch (const std::bad_alloc &) {
+    return {};
+}
+
+void forEachPiece(const CFilteredTextBuffer &buffer, std::size_t mostBytes,
+                  const std::function<bool(QByteArray piece)> &take)
+try {
+    LinePieces pieces(mostBytes, take);
+    const std::int64_t end = buffer.lineCount();
+    for (std::int64_t row = 0; row < end;) {
+        const Stretch stretch = buffer.stretchToCopy(Rows::Stored, row, end);
+        if (!pieces.add(stretch.text))
+            return;
+        row += stretch.rowCount;
+    }
+    pieces.finish();
+} catch (const std::bad_alloc &) { // the caller gets what there was memory for
 }
 
 } // namespace Zorvan

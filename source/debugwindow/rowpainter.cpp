@@ -41,7 +41,7 @@ private:
     void fillSelection(std::int64_t row);
     void drawWithMarkers();
     void fill(std::size_t begin, std::size_t end, Qt::GlobalColor color);
-    void draw(std::size_t begin, std::size_t end, Qt::GlobalColor color);
+    void draw(std::size_t from, std::size_t to, Qt::GlobalColor color);
 
     [[nodiscard]] std::int64_t rowAt(int place) const { return m_view.rows.first + place; }
     [[nodiscard]] int fillY(int place) const { return place * m_spacing + m_spacing / 4; }
@@ -129,16 +129,16 @@ void RowPainter::fill(std::size_t begin, std::size_t end, Qt::GlobalColor color)
 }
 
 /// Stretches between tabs one by one: tab stops count from the beginning of the row.
-void RowPainter::draw(std::size_t begin, std::size_t end, Qt::GlobalColor color)
+void RowPainter::draw(std::size_t from, std::size_t to, Qt::GlobalColor color)
 {
     m_painter.setPen(color);
-    end = std::min(end, m_inSight.size());
-    while (begin < end) {
-        const std::size_t stop = std::min(m_inSight.find('\t', begin), end);
-        const std::string_view stretch = m_inSight.substr(begin, stop - begin);
+    to = std::min(to, m_inSight.size());
+    while (from < to) {
+        const std::size_t stop = std::min(m_inSight.find('\t', from), to);
+        const std::string_view stretch = m_inSight.substr(from, stop - from);
         if (!stretch.empty())
-            m_view.font.draw(m_painter, QPointF(xOf(begin), baseline(m_place)), stretch, m_left);
-        begin = stop + 1;
+            m_view.font.draw(m_painter, QPointF(xOf(from), baseline(m_place)), stretch, m_left);
+        from = stop + 1;
     }
 }
 

@@ -144,4 +144,30 @@ std::size_t TextPattern::findIn(std::string_view bytes) const
     return notFound;
 }
 
+std::size_t RepeatedSearch::findIn(std::string_view text)
+{
+    const char *const begin = text.data();
+    const bool isSameEnd =
+        !m_searched.empty() && begin + text.size() == m_searched.data() + m_searched.size();
+    if (isSameEnd && begin >= m_searched.data()) {
+        const auto skipped = static_cast<std::size_t>(begin - m_searched.data());
+        if (m_found == TextPattern::notFound || skipped <= m_found)
+            return m_found == TextPattern::notFound ? m_found : m_found - skipped;
+    }
+    m_found = isSameEnd && begin < m_searched.data() ? findInLonger(text) : m_pattern->findIn(text);
+    m_searched = text;
+    return m_found;
+}
+
+/// What was searched is the end of the text.
+std::size_t RepeatedSearch::findInLonger(std::string_view text) const
+{
+    const auto before = static_cast<std::size_t>(m_searched.data() - text.data());
+    const auto overlap = static_cast<std::size_t>(m_pattern->text().size());
+    const std::size_t found = m_pattern->findIn(text.substr(0, before + overlap));
+    if (found != TextPattern::notFound || m_found == TextPattern::notFound)
+        return found;
+    return before + m_found;
+}
+
 } // namespace Zorvan

@@ -32,4 +32,25 @@ private:
     std::size_t m_secondRarest = 0;
 };
 
+/// Looks for a pattern in one text after the other, of which many may be ends of the one before: slots that
+/// were written over point into a longer line. All of them together take as long as the longest alone.
+///
+/// The pattern and the texts must outlive it, and stay as they are.
+class RepeatedSearch
+{
+public:
+    explicit RepeatedSearch(const TextPattern &pattern)
+        : m_pattern(&pattern)
+    {}
+    /// As TextPattern::findIn().
+    [[nodiscard]] std::size_t findIn(std::string_view text);
+
+private:
+    [[nodiscard]] std::size_t findInLonger(std::string_view text) const;
+
+    const TextPattern *m_pattern;
+    std::string_view m_searched; // from here on up to m_found, or to the end, the pattern is nowhere else
+    std::size_t m_found = 0; // in m_searched, or notFound
+};
+
 } // namespace Zorvan

@@ -139,7 +139,7 @@ std::optional<ViewCommand> commandOfKey(const QKeyEvent &event)
         return std::nullopt; // no modifier, or the two that stand for AltGr
     const int keys = event.key() | static_cast<int>(pressed);
     if (event.modifiers().testFlag(Qt::ShiftModifier)) {
-        if (const auto command = commandOf(keys | Qt::SHIFT))
+        if (const auto command = commandOf(keys | static_cast<int>(Qt::SHIFT)))
             return command;
     }
     return commandOf(keys); // only some keys mean something else with Shift

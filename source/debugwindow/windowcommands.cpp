@@ -40,7 +40,7 @@ void DebugWindow::configuration()
     int command = 0;
     {
         const OwnModal modal(*m_reports);
-        const QPushButton &button = *m_tools->settings;
+        const QPushButton &button = *m_tools->settings();
         if (const QAction *const chosen = menu->exec(button.mapToGlobal(button.rect().bottomLeft())))
             command = chosen->data().toInt();
     }
@@ -133,7 +133,9 @@ std::optional<QFont> DebugWindow::askFont(const QFont &present)
 void DebugWindow::makeDefault()
 {
     const QPointer<DebugWindow> kept(this);
-    const auto goesOn = [&kept, ends = TableState::ends()] { return kept && TableState::ends() == ends; };
+    const auto goesOn = [&kept, ends = TableState::ends()] {
+        return kept != nullptr && TableState::ends() == ends;
+    };
     const QString analysisPlace = host::readString(QStringLiteral("DebugAnalysisWindowGeometry"), QString());
     if (!goesOn())
         return;

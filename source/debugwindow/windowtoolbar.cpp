@@ -42,37 +42,39 @@ int widestItem(const QComboBox &selector)
 
 WindowToolBar::WindowToolBar(QWidget *parent)
     : QWidget(parent)
-    , outputOff(newButton(this, tr("Output Off"), "outputoff", tr("Stops/Starts window output")))
-    , clearLog(newButton(this, tr("Clear Log"), "clearlog", tr("Clears the contents of the console window")))
-    , hooks(newSelector(this, tr("Hook")))
-    , parameters(newSelector(this, tr("Hook parameters")))
-    , activate(newButton(this, tr("activate"), "activate",
-                         tr("Executes the selected hook method with parameters")))
-    , settings(newButton(this, tr("Settings..."), "settings",
-                         tr("Opens the Debug Server output configuration dialog")))
-    , analyze(newButton(this, tr("Analyze..."), "analyze", tr("Opens the analyzer menu")))
+    , m_outputOff(newButton(this, tr("Output Off"), "outputoff", tr("Stops/Starts window output")))
+    , m_clearLog(
+          newButton(this, tr("Clear Log"), "clearlog", tr("Clears the contents of the console window")))
+    , m_hooks(newSelector(this, tr("Hook")))
+    , m_parameters(newSelector(this, tr("Hook parameters")))
+    , m_activate(newButton(this, tr("activate"), "activate",
+                           tr("Executes the selected hook method with parameters")))
+    , m_settings(newButton(this, tr("Settings..."), "settings",
+                           tr("Opens the Debug Server output configuration dialog")))
+    , m_analyze(newButton(this, tr("Analyze..."), "analyze", tr("Opens the analyzer menu")))
 {
-    parameters->setEditable(true);
-    parameters->setCompleter(nullptr);
-    parameters->setInsertPolicy(QComboBox::NoInsert);
-    parameters->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-    parameters->setMinimumContentsLength(parameterCharacters);
+    m_parameters->setEditable(true);
+    m_parameters->setCompleter(nullptr);
+    m_parameters->setInsertPolicy(QComboBox::NoInsert);
+    m_parameters->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    m_parameters->setMinimumContentsLength(parameterCharacters);
     auto *const row = new SimpleFlow(this);
-    for (QWidget *const control :
-         {static_cast<QWidget *>(outputOff), static_cast<QWidget *>(clearLog), static_cast<QWidget *>(hooks),
-          static_cast<QWidget *>(parameters), static_cast<QWidget *>(activate),
-          static_cast<QWidget *>(settings), static_cast<QWidget *>(analyze)})
+    for (QWidget *const control : {static_cast<QWidget *>(m_outputOff), static_cast<QWidget *>(m_clearLog),
+                                   static_cast<QWidget *>(m_hooks), static_cast<QWidget *>(m_parameters),
+                                   static_cast<QWidget *>(m_activate), static_cast<QWidget *>(m_settings),
+                                   static_cast<QWidget *>(m_analyze)})
         row->addWidget(control);
     setHooks({});
 }
 
 void WindowToolBar::setHooks(const QStringList &keys)
 {
-    const QString selected = hooks->currentText();
+    const QString selected = m_hooks->currentText();
     m_hasHooks = !keys.isEmpty();
-    hooks->clear();
-    hooks->addItems(m_hasHooks ? keys : QStringList(tr("no hooks defined")));
-    hooks->setCurrentIndex(qMax(0, hooks->findText(selected, Qt::MatchFixedString | Qt::MatchCaseSensitive)));
+    m_hooks->clear();
+    m_hooks->addItems(m_hasHooks ? keys : QStringList(tr("no hooks defined")));
+    m_hooks->setCurrentIndex(
+        qMax(0, m_hooks->findText(selected, Qt::MatchFixedString | Qt::MatchCaseSensitive)));
     fitHooks();
     enableControls();
 }
@@ -85,13 +87,13 @@ void WindowToolBar::setLocks(const ControlLocks &locks)
 
 void WindowToolBar::showOutputOff(bool isOff)
 {
-    outputOff->setIcon(icon(isOff ? "outputon" : "outputoff"));
-    outputOff->setAccessibleDescription(isOff ? tr("The output is off") : tr("The output is on"));
+    m_outputOff->setIcon(icon(isOff ? "outputon" : "outputoff"));
+    m_outputOff->setAccessibleDescription(isOff ? tr("The output is off") : tr("The output is on"));
 }
 
 void WindowToolBar::showLineCount(std::uint32_t count)
 {
-    clearLog->setToolTip(tr("%1 lines inside log").arg(count));
+    m_clearLog->setToolTip(tr("%1 lines inside log").arg(count));
 }
 
 void WindowToolBar::changeEvent(QEvent *event)
@@ -105,18 +107,18 @@ void WindowToolBar::changeEvent(QEvent *event)
 void WindowToolBar::fitHooks()
 {
     const int widest = windowgeometry::defaultStrip(windowgeometry::desktop()).width();
-    hooks->setFixedWidth(qMin(widestItem(*hooks) + besideKeyPx, widest));
+    m_hooks->setFixedWidth(qMin(widestItem(*m_hooks) + besideKeyPx, widest));
 }
 
 void WindowToolBar::enableControls()
 {
     const bool isOurs = !m_locks.clientsConnected;
-    outputOff->setEnabled(isOurs && !m_locks.serverMode);
-    hooks->setEnabled(isOurs && m_hasHooks);
-    parameters->setEnabled(isOurs && !m_locks.serverMode && !m_locks.hookRuns);
-    activate->setEnabled(isOurs && m_hasHooks && !m_locks.hookRuns);
-    settings->setEnabled(isOurs);
-    analyze->setEnabled(false); // the analysis tools have no menu yet
+    m_outputOff->setEnabled(isOurs && !m_locks.serverMode);
+    m_hooks->setEnabled(isOurs && m_hasHooks);
+    m_parameters->setEnabled(isOurs && !m_locks.serverMode && !m_locks.hookRuns);
+    m_activate->setEnabled(isOurs && m_hasHooks && !m_locks.hookRuns);
+    m_settings->setEnabled(isOurs);
+    m_analyze->setEnabled(false); // the analysis tools have no menu yet
 }
 
 } // namespace Zorvan

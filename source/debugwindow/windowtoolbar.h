@@ -34,14 +34,13 @@ public:
     void showOutputOff(bool isOff);
     void showLineCount(std::uint32_t count);
 
-    // From left to right.
-    QPushButton *const outputOff;
-    QPushButton *const clearLog;
-    QComboBox *const hooks;
-    QComboBox *const parameters;
-    QPushButton *const activate;
-    QPushButton *const settings;
-    QPushButton *const analyze;
+    [[nodiscard]] QPushButton *outputOff() const { return m_outputOff; }
+    [[nodiscard]] QPushButton *clearLog() const { return m_clearLog; }
+    [[nodiscard]] QComboBox *hooks() const { return m_hooks; }
+    [[nodiscard]] QComboBox *parameters() const { return m_parameters; }
+    [[nodiscard]] QPushButton *activate() const { return m_activate; }
+    [[nodiscard]] QPushButton *settings() const { return m_settings; }
+    [[nodiscard]] QPushButton *analyze() const { return m_analyze; }
 
 protected:
     void changeEvent(QEvent *event) override;
@@ -50,6 +49,14 @@ private:
     void fitHooks();
     void enableControls();
 
+    // From left to right.
+    QPushButton *const m_outputOff;
+    QPushButton *const m_clearLog;
+    QComboBox *const m_hooks;
+    QComboBox *const m_parameters;
+    QPushButton *const m_activate;
+    QPushButton *const m_settings;
+    QPushButton *const m_analyze;
     bool m_hasHooks = false;
     ControlLocks m_locks;
 };

@@ -30,7 +30,11 @@ public:
         , indexBlock(Memory::reallocate, step)
     {}
     void setMaximumLineCount(std::size_t count) { maximum = count; }
-    void setMemoryLimit(std::size_t bytes) { limit = bytes; }
+    void setMemoryLimit(std::uint32_t bytes)
+    {
+        limit = bytes;
+        indexBlock.setMostBytes(bytes > 0 ? bytes / 4 : 1 << 30);
+    }
     void appendLine(std::string line)
     {
         wraps |= (maximum > 0 && starts.size() >= maximum) || (limit > 0 && position + 1024 >= limit);
@@ -39,8 +43,10 @@ public:
             wraps |= !startBlock.makeRoom(starts.size() + 1);
             text.resize(textBlock.capacity());
         }
-        if (wraps && starts.empty())
+        if (wraps && starts.empty()) {
+            wraps = false;
             return;
+        }
         if (wraps && (position + 1024 >= text.size() || position + line.size() + 1 > text.size()))
             position = 0;
         if (wraps)
@@ -94,12 +100,22 @@ public:
     {
         if (starts.empty())
             return {};
-        const std::size_t line = isFiltering() ? index[indexStart + row] : (ringStart + row) % starts.size();
+        const std::size_t line = slotOfRow(row);
         return line < starts.size() ? text.c_str() + starts[line] : "";
     }
-    std::string_view storedLine(std::size_t row) const
+    std::size_t slotOfLine(std::size_t row) const { return (ringStart + row) % starts.size(); }
+    std::size_t slotOfRow(std::size_t row) const
     {
-        return text.c_str() + starts[(ringStart + row) % starts.size()];
+        return isFiltering() ? index[indexStart + row] : slotOfLine(row);
+    }
+    std::string_view copiedLine(std::size_t line) const
+    {
+        if (line >= starts.size())
+            return {};
+        const std::string_view whole = text.c_str() + starts[line];
+        const std::size_t next = starts[(line + 1) % starts.size()];
+        const bool isWhole = line + 1 == slot || next < starts[line];
+        return isWhole ? whole : whole.substr(0, next - starts[line]);
     }
 
 private:
@@ -207,12 +223,20 @@ inline bool copyAlike(const CFilteredTextBuffer &buffer, const PlainBuffer &plai
 {
     std::string shown;
     for (std::size_t row = 0; row < plain.rowCount(); ++row)
-        shown.append(shown.empty() ? "" : "\n").append(plain.line(row));
+        shown.append(shown.empty() ? "" : "\n").append(plain.copiedLine(plain.slotOfRow(row)));
     std::string stored;
     for (std::size_t row = 0; row < plain.lineCount(); ++row)
-        stored.append(row == 0 ? "" : "\n").append(plain.storedLine(row));
+        stored.append("\n").append(plain.copiedLine(plain.slotOfLine(row)));
+    std::string pieces;
+    bool areBounded = true;
+    forEachPiece(buffer, 40, [&](const QByteArray &piece) {
+        areBounded = areBounded && (piece.size() <= 40 || piece.count('\n') == 0);
+        pieces.append("\n").append(piece.toStdString());
+        return true;
+    });
     return copiedText(buffer, {}) == QString::fromLatin1(shown.data(), static_cast<int>(shown.size()))
-        && allLines(buffer).toStdString() == stored;
+        && allLines(buffer).toStdString() == stored.substr(stored.empty() ? 0 : 1) && areBounded
+        && pieces == stored;
 }
 
 /// Has the buffer and its model do what bytes say. False: they came to differ.

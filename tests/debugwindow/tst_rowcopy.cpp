@@ -55,6 +55,20 @@ TEST_F(Copy, LeavesOutEmptyRowsBeforeTheFirstText)
     EXPECT_EQ(allLines(buffer), "\n\na\n\nb\n");
 }
 
+TEST_F(Copy, InPiecesIsOfWholeLines)
+{
+    append({"", "ab", "", "cdefgh", "", "i"});
+    std::vector<QByteArray> pieces;
+    const auto take = [&](const QByteArray &piece) {
+        pieces.push_back(piece);
+        return pieces.size() % 4 != 0;
+    };
+    forEachPiece(buffer, 4, take);
+    EXPECT_EQ(pieces, (std::vector<QByteArray>{"\nab\n", "cdefgh", "\ni"}));
+    forEachPiece(buffer, 4, take);
+    EXPECT_EQ(pieces.size(), 4U) << "no more were wanted";
+}
+
 TEST_F(Copy, HasEveryCharacterOfLatin1)
 {
     append({"\xE9\xFF", "\x80"});

@@ -31,6 +31,16 @@ bool shows(const std::string &text)
     return windowText().find(text) != std::string::npos;
 }
 
+QByteArray textOf(const DebugWindow &window)
+{
+    QByteArray text;
+    window.forEachPiece(1 << 30, [&text](const QByteArray &piece) {
+        text += piece;
+        return true;
+    });
+    return text;
+}
+
 /// The numbers behind the last '#' of each line.
 std::vector<int> numbersIn(const QByteArray &text)
 {
@@ -129,14 +139,14 @@ TEST_F(Window, GetsTheLinesOfFourThreadsOnceWhileItIsUsedAndTheLibraryEndsUnderI
     }
     EXPECT_TRUE(runUntil([&] {
         supplied.resize(600 + printed % 100, 300);
-        return supplied.allLines().count('\n') > 1000;
+        return textOf(supplied).count('\n') > 1000;
     }));
     Debug::exitDebug(); // what comes then, until there are no modules any more, is for the standard output
     waitIdle([&, goal = printed + 100] { return printed > goal; });
     enough = true;
     for (std::thread &printer : printers)
         printer.join();
-    const QByteArray inWindow = supplied.allLines();
+    const QByteArray inWindow = textOf(supplied);
     const QByteArray all =
         inWindow + '\n' + QByteArray::fromStdString(testing::internal::GetCapturedStdout());
     for (int thread = 0; thread < threads; ++thread) {
