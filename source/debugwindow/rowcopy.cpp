@@ -25,10 +25,8 @@ public:
         : m_mostCharacters(mostCharacters)
     {}
 
-    void skipEmptyRows() { m_isSkipping = true; }
-
-    /// Zero bytes are between rows. What does not fit is left out from the first row on that does not fit
-    /// whole.
+    /// Zero bytes are between rows. Empty rows before the first text are left out. What does not fit is left
+    /// out from the first row on that does not fit whole.
     void add(std::string_view rows)
     {
         if (m_isSkipping)
@@ -40,8 +38,9 @@ public:
         const std::size_t room = m_mostCharacters - m_size;
         m_isFull = rows.size() + separator > room;
         if (m_isFull) {
-            const std::size_t end = room >= separator ? rows.rfind('\0', room - separator) : rows.npos;
-            if (end == rows.npos)
+            const std::size_t end =
+                room >= separator ? rows.rfind('\0', room - separator) : std::string_view::npos;
+            if (end == std::string_view::npos)
                 return;
             rows = rows.substr(0, end);
         }
@@ -49,20 +48,20 @@ public:
         m_size += rows.size() + separator;
     }
 
-    void addRows(const CFilteredTextBuffer &buffer, Rows rows, std::int64_t row, std::int64_t end)
+    void addRows(const CFilteredTextBuffer &buffer, std::int64_t row, std::int64_t end)
     {
         while (row < end && !m_isFull) {
-            const Stretch stretch = buffer.stretchToCopy(rows, row, end);
+            const Stretch stretch = buffer.stretchToCopy(Rows::Shown, row, end);
             add(stretch.text);
             row += stretch.rowCount;
         }
     }
 
-    /// In one block of the right size; Unit is what the text is made of.
-    template <typename Text, typename Unit>
-    [[nodiscard]] Text joined() const
+    /// In one block of the right size.
+    [[nodiscard]] QString joined() const
     {
-        Text text(static_cast<int>(m_size), Qt::Uninitialized);
+        using Unit = char16_t;
+        QString text(static_cast<int>(m_size), Qt::Uninitialized);
         if (m_size * sizeof(Unit) >= largePageBytes)
             platform::preferLargePages(text.data(), m_size * sizeof(Unit));
         auto *out = reinterpret_cast<Unit *>(text.data());
@@ -79,7 +78,7 @@ public:
 private:
     std::size_t m_mostCharacters;
     std::size_t m_size = 0;
-    bool m_isSkipping = false;
+    bool m_isSkipping = true;
     bool m_isFull = false;
     std::vector<std::string_view> m_texts;
 };
@@ -100,18 +99,18 @@ public:
     {
         while (sizeBefore() + lines.size() > m_mostBytes) {
             const std::size_t room = m_mostBytes - std::min(m_mostBytes, sizeBefore());
-            std::size_t end = sizeBefore() <= m_mostBytes ? lines.rfind('\0', room) : lines.npos;
-            if (end == lines.npos && m_hasLine) {
+            std::size_t end = sizeBefore() <= m_mostBytes ? lines.rfind('\0', room) : std::string_view::npos;
+            if (end == std::string_view::npos && m_hasLine) {
                 if (!finish())
                     return false;
                 continue;
             }
-            if (end == lines.npos)
+            if (end == std::string_view::npos)
                 end = lines.find('\0'); // the line is a piece of its own
             append(lines.substr(0, end));
             if (!finish())
                 return false;
-            if (end == lines.npos)
+            if (end == std::string_view::npos)
                 return true;
             lines.remove_prefix(end + 1);
         }
@@ -171,7 +170,7 @@ void addSelected(Pieces &pieces, const CFilteredTextBuffer &buffer, const Select
         std::min<std::int64_t>(selection.last().row, std::int64_t(buffer.rowCount()) - 1);
     if (first <= last)
         pieces.add(selectedPart(buffer.line(first), first, selection));
-    pieces.addRows(buffer, Rows::Shown, first + 1, last);
+    pieces.addRows(buffer, first + 1, last);
     if (first < last)
         pieces.add(selectedPart(buffer.line(last), last, selection));
 }
@@ -181,21 +180,11 @@ void addSelected(Pieces &pieces, const CFilteredTextBuffer &buffer, const Select
 QString copiedText(const CFilteredTextBuffer &buffer, const Selection &selection, std::size_t mostCharacters)
 try {
     Pieces pieces(mostCharacters);
-    pieces.skipEmptyRows();
     if (selection.isActive())
         addSelected(pieces, buffer, selection);
     else
-        pieces.addRows(buffer, Rows::Shown, 0, buffer.rowCount());
-    return pieces.joined<QString, char16_t>();
-} catch (const std::bad_alloc &) {
-    return {};
-}
-
-QByteArray allLines(const CFilteredTextBuffer &buffer, std::size_t mostBytes)
-try {
-    Pieces pieces(mostBytes);
-    pieces.addRows(buffer, Rows::Stored, 0, buffer.lineCount());
-    return pieces.joined<QByteArray, char>();
+        pieces.addRows(buffer, 0, buffer.rowCount());
+    return pieces.joined();
 } catch (const std::bad_alloc &) {
     return {};
 }

@@ -20,15 +20,10 @@ namespace Zorvan {
 
 constexpr std::size_t mostBytesOfArray = std::numeric_limits<int>::max() - 64;
 
-/// All lines that are stored, marked or not, oldest first, with "\n" between them; limits and shortages as
-/// above.
-[[nodiscard]] QByteArray allLines(const CFilteredTextBuffer &buffer,
-                                  std::size_t mostBytes = mostBytesOfArray);
-
-/// The same for texts beyond one array or too large for a second copy in memory: whole lines in pieces of at
-/// most about \a mostBytes, each with "\n" between its lines and none at its end. A longer line is a piece of
-/// its own, cut off where an array ends. \a take returns false to stop, and leaves the buffer alone. Without
-/// memory no more pieces come.
+/// All lines that are stored, marked or not, oldest first: whole lines in pieces of at most about \a
+/// mostBytes, each with "\n" between its lines and none at its end. A longer line is a piece of its own, cut
+/// off where an array ends. \a take returns false to stop, and leaves the buffer alone. Without memory no
+/// more pieces come.
 void forEachPiece(const CFilteredTextBuffer &buffer, std::size_t mostBytes,
                   const std::function<bool(QByteArray piece)> &take);
 

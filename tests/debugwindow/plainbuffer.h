@@ -9,6 +9,17 @@
 
 namespace Zorvan::test {
 
+/// All stored lines as one text.
+inline QByteArray allLines(const CFilteredTextBuffer &buffer)
+{
+    QByteArray text;
+    forEachPiece(buffer, mostBytesOfArray, [&text](const QByteArray &piece) {
+        text = piece;
+        return true;
+    });
+    return text;
+}
+
 /// The memory that a buffer gets: no block beyond a size.
 struct Memory
 {

@@ -5,7 +5,6 @@
 #include <QHostAddress>
 
 #include <gtest/gtest.h>
-
 #include <sys/socket.h>
 
 namespace Zorvan::test {
