@@ -81,8 +81,8 @@ void DebugServerQueue::timeout()
         m_remoteAccess.dropLaggards();
     if (kept && isInUse() && wantsWindow())
         makeWindow();
-    if (kept && isInUse()
-        && !m_isMakingWindow) // the lines belong to its successor otherwise, or have to wait
+    // Otherwise the lines belong to its successor, or have to wait.
+    if (kept && isInUse() && !m_isMakingWindow)
         deliverLines();
 }
 

@@ -2,6 +2,7 @@
 
 #include "debugserverqueue/guibridge.h"
 
+#include <algorithm>
 #include <utility>
 #include <vector>
 
@@ -43,7 +44,9 @@ void OutputWindow::end()
     m_isInUse = false;
     if (window == nullptr || m_isSupplied)
         return;
-    endedWindows().push_back(window);
+    auto &ended = endedWindows();
+    ended.erase(std::remove(ended.begin(), ended.end(), nullptr), ended.end());
+    ended.push_back(window);
     window->deleteLater(); // a host without a loop never gets to it
     window->hide();
 }

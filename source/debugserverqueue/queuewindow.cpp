@@ -44,13 +44,15 @@ bool DebugServerQueue::makeWindow()
          {&DebugServerQueue::takeWindowIntoUse, &DebugServerQueue::fillHooks, &DebugServerQueue::showTitle,
           &DebugServerQueue::putWindowOnScreen, &DebugServerQueue::clientCountChanged}) {
         (this->*step)();
-        if (!kept || !isInUse() || m_window.get() == nullptr)
+        if (!kept || !isInUse())
             return false;
+        if (m_window.get() == nullptr) // the host has deleted its own
+            break;
     }
     m_isMakingWindow = false;
     if (guibridge::linesWait())
         armTimer(); // no other line tells of them
-    return true;
+    return m_window.get() != nullptr;
 }
 
 void DebugServerQueue::takeWindowIntoUse()
