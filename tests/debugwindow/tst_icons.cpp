@@ -34,7 +34,7 @@ double light(const QColor &color)
 /// 1 for the same lightness, 21 between black and white; from 3 on a sign counts as easy to see.
 double contrast(const QColor &one, const QColor &other)
 {
-    const auto [low, high] = std::minmax(light(one), light(other));
+    const auto [low, high] = std::minmax({light(one), light(other)}); // copies
     return (high + 0.05) / (low + 0.05);
 }
 
