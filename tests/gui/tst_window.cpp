@@ -278,20 +278,21 @@ TEST_F(Window, EndsWithTheLibraryAtAnyEventWhileItIsMade)
     for (const bool loopIsKnown : {true, false}) {
         bool hasEnded = true;
         for (int event = 0; hasEnded; event += 7) {
-            const Ender ender(event);
-            if (!loopIsKnown)
-                Debug::eventLoopFinished();
-            print("line");
-            EXPECT_TRUE(runUntil([&] { return ender.hasEnded() || shows("line"); }));
-            hasEnded = ender.hasEnded();
+            {
+                const Ender ender(event);
+                if (!loopIsKnown)
+                    Debug::eventLoopFinished();
+                print("line");
+                EXPECT_TRUE(runUntil([&] { return ender.hasEnded() || shows("line"); }));
+                hasEnded = ender.hasEnded();
+            }
+            if (!hasEnded)
+                Debug::exitDebug();
             runOn();
             Debug::initDebug();
             QCoreApplication::processEvents();
         }
-        Debug::exitDebug();
-        runOn();
     }
-    Debug::initDebug();
 }
 
 TEST_F(Window, ShowsLinesThatComeWhileItIsMade)
