@@ -66,5 +66,6 @@ IHookInterface::~IHookInterface() = default;
 void IHookInterface::hookActivated(char *, char *) {}
 
 IAnalysisOutputInterface::~IAnalysisOutputInterface() = default;
+IAnalysisSummaryInterface::~IAnalysisSummaryInterface() = default;
 
 } // namespace Zorvan

@@ -14,12 +14,16 @@
 ///   5. lines that wait for the GUI thread
 ///   6. posting to the queue (then only Qt's own locks); the answer to a request (leaf)
 ///   7. debug daemon link (until its answer has come; no host code, no Qt call under it)
-///   8. channel table of the system log, then one channel (leaves: no host code, no Qt call under them)
-///   9. low-level properties (leaf)
+///   8. trace-point history
+///   9. channel table of the system log, then one channel (no host code, no Qt call under them)
+///  10. low-level properties (leaf)
+/// The analyzer has an order of its own and takes none of the above: a thread's own measurements, the analyzer
+/// lock, the queue of releases; its output is handed out with none of them held.
 
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
+#include <cstdint>
 #include <mutex>
 #include <thread>
 #include <utility>
@@ -197,5 +201,8 @@ private:
 
 /// Opaque, pointer-sized id of the calling thread, as the system's own debuggers show it.
 [[nodiscard]] void *currentThreadId();
+/// The system's number of the calling thread: not given to another thread at once when this one has ended.
+/// Cheap: asked for once per thread, and again in the child of a fork().
+[[nodiscard]] std::uint64_t kernelThreadId();
 
 } // namespace Zorvan::platform

@@ -10,4 +10,9 @@ void *currentThreadId()
     return reinterpret_cast<void *>(static_cast<std::uintptr_t>(GetCurrentThreadId()));
 }
 
+std::uint64_t kernelThreadId()
+{
+    return GetCurrentThreadId();
+}
+
 } // namespace Zorvan::platform

@@ -2,7 +2,9 @@
 
 /// \file
 /// The C++ interface of the library: the facade Zorvan::Debug, the interfaces a host implements, and the
-/// services that work without a Qt application.
+/// services that work without a Qt application; through <zorvan/analysis.h> the instrumentation of methods and
+/// allocations, through <zorvan/macros.h> short forms that add file and line. <zorvan/exports.h>, for plain C
+/// and for what the analysis tools report, is not included.
 ///
 /// A host sets its callbacks, calls Debug::initDebug(), creates its modules and prints; it calls
 /// Debug::exitDebug() once for every Debug::initDebug(). See docs/embedding.md.
@@ -10,7 +12,9 @@
 /// Unless a function says otherwise: any thread may call it; it never throws; bad input gives a neutral value
 /// or does nothing; narrow strings are NUL-terminated Latin-1, copied when kept, and null counts as empty.
 
+#include <zorvan/analysis.h>
 #include <zorvan/export.h>
+#include <zorvan/macros.h>
 
 #include <QString>
 
@@ -154,6 +158,45 @@ public:
     virtual void tableRow(int row, const char *methodName, quint64 reference, int calls, quint64 startStamp,
                           qint64 totalCycles, qint64 overheadCycles) = 0;
     virtual void tableComplete() = 0;
+};
+
+/// Learns which methods were measured; see getInstruemntationInformations() in <zorvan/exports.h>.
+class ZORVAN_EXPORT IAnalysisSummaryInterface
+{
+public:
+    virtual ~IAnalysisSummaryInterface();
+    /// One method of one thread. \a file is null for the analyzer's own measurement of its costs.
+    virtual void methodInformation(const char *file, int line, const char *methodName) = 0;
+};
+
+/// A stopwatch: adds up the counter ticks between many starts and stops; see Debug::createMeasurement().
+/// It belongs to one caller, who deletes it and may change its texts and the divisor.
+struct ressourceInfo
+{
+    quint64 start = 0; ///< counter at the last start
+    quint64 stop = 0; ///< counter at the last stop
+    qint64 accumulated = 0; ///< ticks between starts and stops, summed up
+    qint64 count = 0; ///< starts
+    qint32 memoryAtStart = 0; ///< bytes in tracked blocks at the last start
+    qint32 memoryAtStop = 0; ///< and at the last stop
+    double divisor = 1.0; ///< of the mean; with the counter's frequency the report is in seconds
+    QString label = QStringLiteral("current time"); ///< begins the report
+    QString unit = QStringLiteral("cycles"); ///< stands behind the number
+    moduleId module = 0; ///< of the report, as messageClass and level
+    qint32 messageClass = 0;
+    qint32 level = 0;
+};
+
+/// The stages of one hardware setting that Debug::timeMeas4HwSetting() measures.
+enum enumTimeMeas : qint32 {
+    timeMeasTotal,
+    timeMeasParse,
+    timeMeasScpiToDatabase,
+    timeMeasDatabase,
+    timeMeasHardware,
+    timeMeasHardwareSecondPass,
+    timeMeasHardwareFrequency,
+    timeMeasHardwareLevel,
 };
 
 /// The facade: modules, printing, settings, life cycle, and the road into the GUI thread. All members are
@@ -454,6 +497,34 @@ public:
     /// calling thread asks again or ends.
     static QString *getHooks(int &count);
     /// @}
+
+    /// \name Measurements
+    /// Counter ticks are those of IUtilityInterface::readCounter().
+    /// @{
+
+    /// Makes a stopwatch that reports on this module, class and level. The caller deletes it.
+    static ressourceInfo *createMeasurement(moduleId module, int cls, int level);
+    /// Starts and stops it; null does nothing. The functions of these names in <zorvan/exports.h> return the
+    /// counter and the ticks since the start.
+    static void startMeasurement(ressourceInfo *info);
+    static void stopMeasurement(ressourceInfo *info);
+    /// Prints the mean of all starts, with the change of tracked memory while memory is tracked:
+    /// "current time200cycles needed"; label and unit bring their own blanks.
+    static void dumpRessources(ressourceInfo *info);
+
+    /// Starts or stops the timer of a stage of the hardware setting. One thread at a time.
+    ///
+    /// Timers run while they are armed, or while level 4 and class 1 of module 0 are active; only an armed
+    /// run yields values. With \a second, the second pass over the hardware, timeMeasHardware counts as
+    /// timeMeasHardwareSecondPass; without it the timers of frequency and level are not touched. A stop of
+    /// timeMeasTotal prints all eight values; the one that ends the armed run keeps them, too.
+    static void timeMeas4HwSetting(enumTimeMeas which, bool start, bool second);
+    /// Appends the value of a stage in the last armed run, "<name><ticks> cycles\n"; of all eight with -1.
+    static void gettimeMeas4HwSetting(QString &out, int which);
+    /// Arms the timers for one run. To be called in a running total, as a remote command does: its end does
+    /// not count, the next total is the one that is kept.
+    static void enableSCPItimeMeas4HwSetting();
+    /// @}
 };
 
 /// \name System log
@@ -467,6 +538,32 @@ ZORVAN_EXPORT void gyxLog(const char *tag, const char *file, int line, const cha
                           va_list *arguments);
 /// The same for the default files, with the arguments behind the format.
 ZORVAN_EXPORT void gyxLog(const char *file, int line, const char *format, ...) ZORVAN_PRINTF_FORMAT(3, 4);
+/// @}
+
+/// \name Assertions and trace points
+/// @{
+
+/// Reports a failed assertion: in the system log always; where the low-level properties "hasGraphicalGui" and
+/// "releaseAssertEnabled" allow it, also to the user, who may go on, ignore it from now on, or end the process
+/// (at once, with exit code 0).
+///
+/// The debug daemon asks the user; without one a box of the system does. Returns when the program is to go on.
+/// Any thread; questions are asked one after another, without a time limit. Not to be called where printing
+/// threads would have to wait for the answer, such as in receivers. \a file null: no source position. In the
+/// log '%' starts a conversion: write "%%" for a literal one.
+ZORVAN_EXPORT void gyxAssert(const QString &condition, const QString &message, const char *file, int line);
+
+/// Notes a trace point in a history that keeps the newest lines, 10 kB of them, in memory. No file, no
+/// allocation. Any thread, at any time. \a file null: no source position. Ignored if \a format is null or
+/// longer than 1,024 characters; a line is cut at 4,095.
+ZORVAN_EXPORT void logHistory(const char *file, int line, const char *format, va_list *arguments);
+/// The same with the arguments behind the format.
+ZORVAN_EXPORT void logHistory(const char *file, int line, const char *format, ...)
+    ZORVAN_PRINTF_FORMAT(3, 4);
+/// Appends the history to "/var/appdata/crashlog.txt", if that can be opened, and a notice to the system log.
+/// For a process that is about to end after a fault: it waits a second at most for a thread that died while
+/// it noted a trace point.
+ZORVAN_EXPORT void dumpLogHistory();
 /// @}
 
 /// \name Debug daemon

@@ -1,3 +1,4 @@
+#include "leakanalyzer/analysiscontrol.h"
 #include "lowlevelfunctions/daemonlink.h"
 #include "lowlevelfunctions/lowlevelproperties.h"
 #include "lowlevelfunctions/systemlog.h"
@@ -17,6 +18,7 @@ public:
         registerLowlevelForkHandlers();
         daemonLink();
         loadLowlevelProperties();
+        analysis::start();
     }
     ~LoadSequence() { closeLogTable(); }
     LoadSequence(const LoadSequence &) = delete;

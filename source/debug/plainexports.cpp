@@ -1,0 +1,1 @@
+#include <zorvan/exports.h>

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <atomic>
+#include <cstddef>
+
+/// Leak tracking: which blocks are alive, and which source position allocated them. Any thread.
+namespace Zorvan::analysis {
+
+namespace detail {
+/// Whether allocations and releases are recorded. Never without a running analyzer.
+extern std::atomic<bool> s_memoryTracked;
+extern std::atomic<bool> s_releasesRecorded;
+} // namespace detail
+
+/// Allocates with malloc(), or with operator new if \a useNew, and records the block if \a file is not null.
+/// Null if there is no memory.
+[[nodiscard]] void *allocate(std::size_t size, const char *file, int line, bool useNew);
+[[nodiscard]] void *allocateZeroed(std::size_t size, const char *file, int line);
+/// A new block with as much of the old block's content as fits; the old block is freed. Null \a old: a plain
+/// allocation. Null result: no memory, the old block stays.
+[[nodiscard]] void *reallocate(void *old, std::size_t size, const char *file, int line);
+/// Frees a block of any of these functions or of malloc(); null is fine.
+void freeBlock(void *block);
+
+/// Switches tracking on (any value but 0), which sets the counters to zero if it was off, or off. Nothing
+/// happens without a running analyzer.
+void setMemoryTracking(int state);
+/// Whether tracking is switched on.
+[[nodiscard]] int memoryTracking();
+/// Sets a state of 0 or more, stored as a property as well; returns the switch.
+int memoryTrackingEnabled(int state);
+
+/// Bytes in live blocks. Releases count from the next recorded allocation or report on.
+[[nodiscard]] int trackedMemoryUsage();
+/// Forgets all live blocks, the peaks and the averages.
+void clearLeaks();
+/// Hands the live blocks, by source position and size, and the statistics to the output handler.
+void dumpLeaks(const char *sourceFilter);
+
+/// For the start of the analyzer: makes the queues.
+void prepareLeakTracking();
+/// For fork(): the lock of the release queue. The analyzer lock is held already.
+void holdReleasesForFork();
+void releaseReleases();
+
+} // namespace Zorvan::analysis

@@ -1,0 +1,1 @@
+#include "leakanalyzer/analysiscontrol.h"
