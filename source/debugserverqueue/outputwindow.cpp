@@ -1,6 +1,7 @@
 #include "debugserverqueue/outputwindow.h"
 
 #include "debugserverqueue/guibridge.h"
+#include "leakanalyzer/analysisoutput.h"
 
 #include <algorithm>
 #include <utility>
@@ -41,8 +42,12 @@ void OutputWindow::use(std::unique_ptr<DebugWindow> made)
 void OutputWindow::end()
 {
     const QPointer<DebugWindow> window = std::exchange(m_window, nullptr);
-    m_isInUse = false;
-    if (window == nullptr || m_isSupplied)
+    const bool wasInUse = std::exchange(m_isInUse, false);
+    if (window == nullptr)
+        return;
+    if (wasInUse)
+        analysis::removeOutputHandler(window);
+    if (m_isSupplied)
         return;
     auto &ended = endedWindows();
     ended.erase(std::remove(ended.begin(), ended.end(), nullptr), ended.end());

@@ -8,6 +8,7 @@
 #include "debugwindow/windowgeometry.h"
 #include "host/hosthandlers.h"
 #include "host/outputswitch.h"
+#include "leakanalyzer/analysisoutput.h"
 
 #include <QAbstractItemView>
 #include <QCloseEvent>
@@ -84,9 +85,13 @@ DebugWindow::DebugWindow(const QString &)
     updateModes();
     installEventFilter(this);
     restoreFilters();
+    analysis::takeOverOutput(this);
 }
 
-DebugWindow::~DebugWindow() = default;
+DebugWindow::~DebugWindow()
+{
+    analysis::removeOutputHandler(this); // first: other threads may be handing in texts
+}
 
 void DebugWindow::connectControls()
 {
@@ -118,6 +123,8 @@ void DebugWindow::takeIntoUse(bool clientsConnected)
     m_locks = ControlLocks();
     m_locks.clientsConnected = clientsConnected;
     updateModes();
+    if (!analysis::hasOutputHandler()) // taken away at the end of an earlier run of the library
+        analysis::takeOverOutput(this);
 }
 
 void DebugWindow::appendOutput(std::string_view lines)

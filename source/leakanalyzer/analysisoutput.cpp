@@ -9,7 +9,8 @@
 
 namespace Zorvan::analysis {
 
-/// The installed handler, and the calls to it that are in progress. A leaf lock: no handler is called under it.
+/// The installed handler, and the calls to it that are in progress. A leaf lock: no handler is called under
+/// it.
 class OutputHandler
 {
 public:
@@ -18,14 +19,24 @@ public:
     void replace(IAnalysisOutputInterface *handler)
     {
         const platform::Locked guard(m_mutex);
-        replaceLocked(handler);
+        m_handler.store(handler);
+        while (isElsewhere([handler](const Delivery &delivery) { return delivery.m_handler != handler; }))
+            m_delivered.wait(m_mutex);
+    }
+
+    void takeOver(IAnalysisOutputInterface *handler)
+    {
+        const platform::Locked guard(m_mutex);
+        m_handler.store(handler);
     }
 
     void remove(IAnalysisOutputInterface *handler)
     {
         const platform::Locked guard(m_mutex);
         if (m_handler.load(std::memory_order_relaxed) == handler)
-            replaceLocked(nullptr);
+            m_handler.store(nullptr);
+        while (isElsewhere([handler](const Delivery &delivery) { return delivery.m_handler == handler; }))
+            m_delivered.wait(m_mutex);
     }
 
     void begin(Delivery &delivery)
@@ -61,17 +72,12 @@ public:
     }
 
 private:
-    void replaceLocked(IAnalysisOutputInterface *handler) ZORVAN_REQUIRES(m_mutex)
-    {
-        IAnalysisOutputInterface *const old = m_handler.exchange(handler);
-        while (old != nullptr && old != handler && isInOtherThread(old))
-            m_delivered.wait(m_mutex);
-    }
-
-    bool isInOtherThread(const IAnalysisOutputInterface *handler) const ZORVAN_REQUIRES(m_mutex)
+    /// Whether another thread is in a delivery of that kind.
+    template <typename Kind>
+    bool isElsewhere(Kind isOfKind) const ZORVAN_REQUIRES(m_mutex)
     {
         for (const Delivery *delivery = m_deliveries; delivery != nullptr; delivery = delivery->m_next) {
-            if (delivery->m_handler == handler && delivery->m_thread != platform::currentThreadId())
+            if (delivery->m_thread != platform::currentThreadId() && isOfKind(*delivery))
                 return true;
         }
         return false;
@@ -87,7 +93,8 @@ namespace {
 
 OutputHandler &outputHandler()
 {
-    static auto *const handler = new OutputHandler; // never destroyed: methods are measured until the very end
+    static auto *const handler =
+        new OutputHandler; // never destroyed: methods are measured until the very end
     return *handler;
 }
 
@@ -119,6 +126,11 @@ Delivery::~Delivery()
 void setOutputHandler(IAnalysisOutputInterface *handler)
 {
     outputHandler().replace(handler);
+}
+
+void takeOverOutput(IAnalysisOutputInterface *handler)
+{
+    outputHandler().takeOver(handler);
 }
 
 void removeOutputHandler(IAnalysisOutputInterface *handler)

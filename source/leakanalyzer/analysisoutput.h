@@ -8,9 +8,11 @@
 /// to tell, in several threads at once if need be.
 namespace Zorvan::analysis {
 
-/// Returns when no other thread is inside the old handler any more.
+/// Returns when no other thread is inside an earlier handler any more.
 void setOutputHandler(IAnalysisOutputInterface *handler);
-/// The same as setting null, if \a handler is the one installed.
+/// The same without waiting, for the thread that an earlier handler may be waiting for.
+void takeOverOutput(IAnalysisOutputInterface *handler);
+/// Takes the handler away, if it is the one installed. Returns when no other thread is inside it any more.
 void removeOutputHandler(IAnalysisOutputInterface *handler);
 /// Whether there is anybody to tell.
 [[nodiscard]] bool hasOutputHandler();

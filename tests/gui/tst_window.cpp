@@ -2,6 +2,7 @@
 
 #include "boxtest.h"
 #include "debugwindow/debugwindow.h"
+#include "leakanalyzer/analysisoutput.h"
 #include "public/hookrecorder.h"
 #include "support/remoteclient.h"
 
@@ -341,6 +342,33 @@ TEST_F(Window, OfTheHostServesEachQueueAnewUntilItIsDeleted)
     supplied.reset();
     Debug::initDebug();
     waitForWindow();
+}
+
+TEST_F(Window, ShowsTheTextsOfTheAnalysisToolsUntilTheHostTakesThem)
+{
+    class Texts : public IAnalysisOutputInterface
+    {
+    public:
+        void textOutput(const char *, int, const char *text) override { all += text; }
+        void summary(int, qint64, qint64, qint64, quint64, quint64) override {}
+        void tableRow(int, const char *, quint64, int, quint64, qint64, qint64) override {}
+        void tableComplete() override {}
+        std::string all;
+    } texts;
+    installanalysisMessageHandler(&texts);
+    waitForWindow();
+    analysis::emitText("tools", 1, "to the window %d\n", 1);
+    EXPECT_TRUE(runUntil([] { return shows("to the window 1"); }));
+    Debug::exitDebug();
+    EXPECT_FALSE(analysis::hasOutputHandler());
+
+    Debug::initDebug();
+    waitForWindow();
+    installanalysisMessageHandler(&texts);
+    Debug::exitDebug();
+    analysis::emitText(nullptr, 1, "to the %s", "host");
+    EXPECT_EQ(texts.all, "to the host");
+    installanalysisMessageHandler(nullptr);
 }
 
 TEST_F(Window, StoresNothingOfALibraryThatHasEnded)

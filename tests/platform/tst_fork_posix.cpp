@@ -53,5 +53,18 @@ TEST(Fork, childOwnsTheLocksOfTheForkingThread)
     stop = true;
 }
 
+TEST(Fork, givesTheChildsThreadANumberOfItsOwn)
+{
+    const std::uint64_t mine = kernelThreadId();
+    std::uint64_t others = mine;
+    Thread([&others] { others = kernelThreadId(); }).join();
+    EXPECT_NE(others, mine);
+    EXPECT_EQ(kernelThreadId(), mine);
+    const pid_t child = fork();
+    if (child == 0)
+        _exit(kernelThreadId() == static_cast<std::uint64_t>(getpid()) ? 0 : 1);
+    EXPECT_EQ(exitCodeOf(child), 0);
+}
+
 } // namespace
 } // namespace Zorvan::platform::tests
