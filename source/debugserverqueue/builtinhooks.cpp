@@ -113,17 +113,11 @@ void allowRemote(const QString &parameters)
     Debug::setClientsAllowed(parameters.toInt() == 1);
 }
 
-/// This version raises no assertions: what they would say goes to the system log.
-void raiseAssertion(const char *message, const char *source, int line)
-{
-    gyxLog(source, line, "%s\n", message);
-}
-
 void testAssert(const QString &parameters)
 {
     if (parameters.isEmpty()) {
-        raiseAssertion("testing assertion: enter number of concurrent threads!", "source/debugserverqueue",
-                       1284);
+        gyxAssert(QString(), QStringLiteral("testing assertion: enter number of concurrent threads!"),
+                  "source/debugserverqueue", 1284);
         return;
     }
     const int count = countFrom(parameters);

@@ -69,8 +69,30 @@ Conversion readConversion(const char *&position)
     return conversion;
 }
 
-template <typename Value>
-void appendValue(std::string &text, const Conversion &conversion, char type, Value value)
+/// A text in the caller's buffer; what does not fit is dropped.
+class BoundedText
+{
+public:
+    BoundedText(char *buffer, std::size_t capacity)
+        : m_buffer(buffer)
+        , m_capacity(capacity)
+    {}
+    void append(const char *piece, std::size_t length)
+    {
+        const std::size_t taken = std::min(length, m_capacity - m_length);
+        std::memcpy(m_buffer + m_length, piece, taken);
+        m_length += taken;
+    }
+    [[nodiscard]] std::size_t length() const { return m_length; }
+
+private:
+    char *const m_buffer;
+    const std::size_t m_capacity;
+    std::size_t m_length = 0;
+};
+
+template <typename Text, typename Value>
+void appendValue(Text &text, const Conversion &conversion, char type, Value value)
 {
     std::string format = "%" + conversion.flags + "*.*";
     format += type;
@@ -81,11 +103,12 @@ void appendValue(std::string &text, const Conversion &conversion, char type, Val
         text.append(piece, std::min(sizeof piece - 1, static_cast<std::size_t>(length)));
 }
 
-void appendConversion(std::string &text, const Conversion &conversion)
+template <typename Text>
+void appendConversion(Text &text, const Conversion &conversion)
 {
     const char type = conversion.type;
     if (type == '%')
-        text += '%';
+        text.append("%", 1);
     else if (isOneOf(type, "diouxXcC"))
         appendValue(text, conversion, type == 'C' ? 'c' : type, 0);
     else if (isOneOf(type, "sS"))
@@ -96,11 +119,9 @@ void appendConversion(std::string &text, const Conversion &conversion)
         appendValue(text, conversion, type, 0.0);
 }
 
-} // namespace
-
-std::string formatWithoutArguments(const char *format)
+template <typename Text>
+void expand(Text &text, const char *format)
 {
-    std::string text;
     const char *position = format ? format : "";
     while (*position != '\0') {
         const std::size_t plain = std::strcspn(position, "%");
@@ -111,11 +132,26 @@ std::string formatWithoutArguments(const char *format)
         ++position;
         const Conversion conversion = readConversion(position);
         if (conversion.type == '\0')
-            text += '%'; // no conversion: what follows is ordinary text
+            text.append("%", 1); // no conversion: what follows is ordinary text
         else
             appendConversion(text, conversion);
     }
+}
+
+} // namespace
+
+std::string formatWithoutArguments(const char *format)
+{
+    std::string text;
+    expand(text, format);
     return text;
+}
+
+std::size_t formatWithoutArguments(char *buffer, std::size_t capacity, const char *format)
+{
+    BoundedText text(buffer, capacity);
+    expand(text, format);
+    return text.length();
 }
 
 } // namespace Zorvan

@@ -2,6 +2,7 @@
 
 #include "lowlevelfunctions/logchannel.h"
 #include "lowlevelfunctions/lowlevelproperties.h"
+#include "lowlevelfunctions/tracehistory.h"
 #include "platform/errornumber.h"
 #include "platform/files.h"
 #include "platform/lock.h"
@@ -92,6 +93,7 @@ void appendDuringShutdown(const char *format, va_list *arguments)
 
 void holdLowlevelLocks()
 {
+    traceHistory().hold();
     channelTable().hold();
     holdLowlevelProperties();
 }
@@ -100,6 +102,7 @@ void releaseLowlevelLocks()
 {
     releaseLowlevelProperties();
     channelTable().release();
+    traceHistory().release();
 }
 
 } // namespace

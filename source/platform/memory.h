@@ -15,4 +15,8 @@ namespace Zorvan::platform {
 /// pages takes the system several times as long as the program takes to fill them. Any thread.
 void preferLargePages(void *block, std::size_t bytes);
 
+/// Bytes that the owner of a block of malloc() may use: at least as many as were asked for. 0 for null. Any
+/// thread.
+[[nodiscard]] std::size_t usableBytes(void *block);
+
 } // namespace Zorvan::platform

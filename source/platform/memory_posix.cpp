@@ -2,6 +2,7 @@
 #include "platform/memory.h"
 
 #include <cstdlib>
+#include <malloc.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -44,6 +45,11 @@ void preferLargePages(void *block, std::size_t bytes)
     const std::uintptr_t firstPage = (begin + pageBytes - 1) / pageBytes * pageBytes;
     if (firstPage - begin < bytes) // a hint: whether or not it is taken, the block is the same
         madvise(reinterpret_cast<void *>(firstPage), bytes - (firstPage - begin), MADV_HUGEPAGE);
+}
+
+std::size_t usableBytes(void *block)
+{
+    return malloc_usable_size(block);
 }
 
 } // namespace Zorvan::platform

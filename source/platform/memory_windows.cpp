@@ -1,5 +1,6 @@
 #include "platform/memory.h"
 
+#include <malloc.h>
 #include <windows.h>
 
 namespace Zorvan::platform {
@@ -12,5 +13,10 @@ std::uint64_t availablePhysicalMemory()
 }
 
 void preferLargePages(void * /*block*/, std::size_t /*bytes*/) {} // a right that few users have
+
+std::size_t usableBytes(void *block)
+{
+    return block == nullptr ? 0 : _msize(block);
+}
 
 } // namespace Zorvan::platform

@@ -6,7 +6,8 @@
 #if defined(_WIN32)
 #define ZORVAN_THREAD_WORD thread_local
 #elif defined(__GNUC__)
-#define ZORVAN_THREAD_WORD __attribute__((tls_model("initial-exec"))) __thread // without a check for a constructor
+#define ZORVAN_THREAD_WORD                                                                                   \
+    __attribute__((tls_model("initial-exec"))) __thread // without a check for a constructor
 #else
 #define ZORVAN_THREAD_WORD thread_local
 #endif

@@ -142,7 +142,8 @@ TEST(TestAssertions, AreThreadsThatTheLoopJoinsUpToALimit)
     EXPECT_EQ(start(""), 0U);
     EXPECT_NE(
         readFile(libraryFile("GYX-syslog-0.log"))
-            .find("source/debugserverqueue(1284): testing assertion: enter number of concurrent threads!"),
+            .find("source/debugserverqueue(1284): ++++ Debug Assertion Failed: ;testing assertion: enter "
+                  "number of concurrent threads!\n"),
         std::string::npos);
     Debug::exitDebug();
 }
