@@ -89,11 +89,13 @@ void start()
 {
     if (s_toolsEnabled.value() != 1 || isRunning())
         return;
-    const InsideAnalyzer guard;
     emitText(outputSource, __LINE__, "****************************** activating runtime\n");
-    prepareTiming();
-    prepareLeakTracking();
-    platform::aroundFork(holdForFork, release, releaseInChild);
+    {
+        const InsideAnalyzer guard;
+        prepareTiming();
+        prepareLeakTracking();
+        platform::aroundFork(holdForFork, release, releaseInChild);
+    }
     detail::s_isRunning.store(true, std::memory_order_release);
     if (s_startupAnalysis.value() != 1)
         return;

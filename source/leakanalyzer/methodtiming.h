@@ -2,20 +2,15 @@
 
 #include <zorvan/debug.h>
 
-#include <atomic>
-
 /// Method timing: calls and processor cycles of instrumented methods, per method and thread. Any thread.
+///
+/// What the analyzer itself allocates is not measured, should the host have instrumented its operator new.
 namespace Zorvan::analysis {
-
-namespace detail {
-/// 1: times are tracked. Bit 0 is the switch, the rest counts the reports and clears that suspend it.
-extern std::atomic<unsigned> s_timeTracking;
-} // namespace detail
 
 /// Whether methods are measured at the moment. Never without a running analyzer.
 [[nodiscard]] inline bool isTimeTracked()
 {
-    return detail::s_timeTracking.load(std::memory_order_relaxed) == 1;
+    return Zorvan::detail::timeTracking.load(std::memory_order_relaxed) == 1;
 }
 
 /// The id of a method: its line + 65,536 times the number of its file, which counts files in the order of
@@ -24,19 +19,30 @@ int makeMethodId(const char *file, int line);
 void startMethod(unsigned id, const char *file, int line, const char *methodName);
 void endMethod(unsigned id);
 
-/// Switches measuring on (any value but 0) or off. The value 1 calibrates when it comes first. Nothing happens
-/// without a running analyzer.
+/// Switches measuring on (any value but 0) or off. The value 1 calibrates when it comes first. Nothing
+/// happens without a running analyzer.
 void setTimeTracking(int state);
 /// Whether measuring is switched on.
 [[nodiscard]] int timeTracking();
 /// Sets a state of 0 or more, stored as a property as well; returns the switch.
 int timeTrackingEnabled(int state);
 
+/// While one lives, methods are not measured; the switch stays as it is.
+class SuspendedTiming
+{
+public:
+    SuspendedTiming();
+    ~SuspendedTiming();
+    SuspendedTiming(const SuspendedTiming &) = delete;
+    SuspendedTiming &operator=(const SuspendedTiming &) = delete;
+};
+
 /// Forgets all measurements. Methods that are open at that time end as unknown ones.
 void clearTimes();
 /// Hands the measurements to the output handler; null or empty filters let everything pass.
 void dumpTimes(const char *sourceFilter, const char *methodFilter);
-/// Tells the receiver every method of every thread.
+/// Tells the receiver every method of every thread, by the thread's number and the id. Nothing is locked
+/// then.
 void reportMethods(IAnalysisSummaryInterface *receiver);
 
 /// For the start of the analyzer.

@@ -1,1 +1,356 @@
-#include "leakanalyzer/analysiscontrol.h"
+#include "leakanalyzer/threadrecords.h"
+
+#include "leakanalyzer/insideanalyzer.h"
+#include "leakanalyzer/methodids.h"
+#include "leakanalyzer/sourcenames.h"
+#include "platform/clock.h"
+#include "platform/processor.h"
+
+#include <algorithm>
+#include <map>
+#include <tuple>
+
+namespace Zorvan::analysis {
+
+namespace detail {
+ZORVAN_THREAD_WORD ThreadRecord *s_threadRecord = nullptr;
+} // namespace detail
+
+using detail::s_threadRecord;
+
+namespace {
+
+constexpr unsigned firstTableBits = 4;
+constexpr MethodPosition callingOverhead{0, nullptr, 0, "calling overhead"};
+
+/// The records, which are never freed: a thread may use its own until the very end. Those of ended threads
+/// stay for the reports; after a clear other threads get them.
+class Registry
+{
+public:
+    struct Entry
+    {
+        ThreadRecord *record = nullptr;
+        bool isThreadAlive = false;
+    };
+
+    /// An ended thread's record goes to the next thread with its number.
+    ThreadRecord &take(std::uint64_t thread) ZORVAN_REQUIRES(analyzerLock())
+    {
+        Entry &entry = m_threads[thread];
+        if (entry.record == nullptr)
+            entry.record = unusedRecord();
+        entry.isThreadAlive = true;
+        return *entry.record;
+    }
+
+    void markEnded(std::uint64_t thread) ZORVAN_REQUIRES(analyzerLock())
+    {
+        const auto place = m_threads.find(thread);
+        if (place != m_threads.end())
+            place->second.isThreadAlive = false;
+    }
+
+    [[nodiscard]] std::vector<ThreadRecord *> records() const ZORVAN_REQUIRES(analyzerLock())
+    {
+        std::vector<ThreadRecord *> records;
+        for (const auto &[thread, entry] : m_threads)
+            records.push_back(entry.record);
+        return records;
+    }
+
+    /// Gives the records of ended threads free. The caller has to clear them, with the lock released.
+    void dropEnded() ZORVAN_REQUIRES(analyzerLock())
+    {
+        for (auto place = m_threads.begin(); place != m_threads.end();) {
+            if (place->second.isThreadAlive) {
+                ++place;
+                continue;
+            }
+            m_unused.push_back(place->second.record);
+            place = m_threads.erase(place);
+        }
+    }
+
+    /// Only \a mine is alive, as \a thread. Records that were being written are not looked at again.
+    void keepInChild(ThreadRecord *mine, std::uint64_t thread) ZORVAN_REQUIRES(analyzerLock())
+    {
+        for (auto place = m_threads.begin(); place != m_threads.end();) {
+            place->second.isThreadAlive = false;
+            if (place->second.record == mine || place->second.record->lock().isHeld())
+                place = m_threads.erase(place);
+            else
+                ++place;
+        }
+        if (mine != nullptr)
+            m_threads[thread] = {mine, true};
+    }
+
+private:
+    ThreadRecord *unusedRecord()
+    {
+        if (m_unused.empty())
+            return new ThreadRecord;
+        ThreadRecord *const record = m_unused.back();
+        m_unused.pop_back();
+        return record;
+    }
+
+    std::map<std::uint64_t, Entry> m_threads; // by the system's number
+    std::vector<ThreadRecord *> m_unused;
+};
+
+Registry &registry() ZORVAN_REQUIRES(analyzerLock())
+{
+    static auto *const registry = new Registry; // never destroyed: methods are measured until the very end
+    return *registry;
+}
+
+/// Notices the end of its thread. Methods that are measured later, by destructors of other thread_local
+/// objects, register the thread anew.
+class ThreadEnd
+{
+public:
+    ThreadEnd() = default;
+    ~ThreadEnd()
+    {
+        s_threadRecord = nullptr;
+        const platform::Locked guard(analyzerLock());
+        registry().markEnded(m_thread);
+    }
+    ThreadEnd(const ThreadEnd &) = delete;
+    ThreadEnd &operator=(const ThreadEnd &) = delete;
+
+    void watch(std::uint64_t thread) { m_thread = thread; }
+
+private:
+    std::uint64_t m_thread = 0;
+};
+
+thread_local ThreadEnd s_threadEnd;
+
+std::vector<ThreadRecord *> threadRecords()
+{
+    const platform::Locked guard(analyzerLock());
+    return registry().records();
+}
+
+} // namespace
+
+void RecordLock::waitAndLock()
+{
+    constexpr int triesBeforeSleep = 2000;
+    for (int attempt = 0; isHeld() || !tryLock(); ++attempt) {
+        if (attempt < triesBeforeSleep)
+            platform::spinPause();
+        else
+            platform::sleepFor(std::chrono::milliseconds(1));
+    }
+}
+
+MethodTable::MethodTable()
+{
+    resize(firstTableBits);
+}
+
+MethodStatistics &MethodTable::add(unsigned id)
+{
+    if ((m_methods.size() + 1) * 2 > m_places.size())
+        resize(m_bits + 1);
+    MethodStatistics &method = m_methods.emplace_back().method;
+    method.id = id;
+    std::size_t place = firstPlace(id);
+    while (m_places[place].method != nullptr)
+        place = nextPlace(place);
+    m_places[place] = {id, &method};
+    return method;
+}
+
+void MethodTable::clear()
+{
+    m_methods.clear();
+    resize(firstTableBits);
+}
+
+void MethodTable::resize(unsigned bits)
+{
+    m_bits = bits;
+    m_places.assign(std::size_t{1} << bits, {});
+    for (auto &[method] : m_methods) {
+        std::size_t place = firstPlace(method.id);
+        while (m_places[place].method != nullptr)
+            place = nextPlace(place);
+        m_places[place] = {method.id, &method};
+    }
+}
+
+PairingFaults ThreadRecord::start(const MethodPosition &method, std::uint64_t stamp)
+{
+    PairingFaults faults;
+    std::int64_t extra = 0;
+    if (method.id != callingOverhead.id)
+        extra = measureOneself(method.name, stamp, faults);
+    MethodStatistics &statistics = enter(method, faults);
+    statistics.startStamp = platform::cycleCounter();
+    statistics.overheadCycles += static_cast<std::int64_t>(statistics.startStamp - stamp) + extra;
+    return faults;
+}
+
+// The start and the end of a method that does nothing, with its id made from the method's name: what they
+// cost stands for what the readings around a measurement do not see. They share one reading: every one costs
+// as much as all the rest.
+std::int64_t ThreadRecord::measureOneself(const char *methodName, std::uint64_t stamp, PairingFaults &faults)
+{
+    MethodStatistics &oneself = enter(callingOverhead, faults);
+    leave(faults);
+    static_cast<void>(sourceIndex(methodName));
+    oneself.startStamp = platform::cycleCounter();
+    const auto cost = static_cast<std::int64_t>(oneself.startStamp - stamp);
+    oneself.overheadCycles += cost;
+    return cost;
+}
+
+PairingFaults ThreadRecord::end(unsigned id, std::uint64_t stamp)
+{
+    PairingFaults faults;
+    if (m_methods.isEmpty()) {
+        faults.unknownMethod = true;
+        return faults;
+    }
+    MethodStatistics *const method = m_methods.find(id);
+    leave(faults);
+    if (method == nullptr) {
+        faults.unknownMethod = true;
+        return faults;
+    }
+    const std::uint64_t elapsed = stamp - method->startStamp;
+    const std::uint64_t endStamp = platform::cycleCounter();
+    for (int depth = 1; depth <= m_depth; ++depth)
+        m_open[static_cast<std::size_t>(depth)]->startStamp += (endStamp - stamp) + elapsed;
+    method->overheadCycles += static_cast<std::int64_t>(endStamp - stamp);
+    if (static_cast<std::int64_t>(elapsed) >= 0)
+        method->totalCycles += static_cast<std::int64_t>(elapsed);
+    else // the counter of another processor may be behind
+        method->totalCycles += method->overheadCycles / method->calls;
+    method->startStamp = endStamp;
+    return faults;
+}
+
+MethodStatistics &ThreadRecord::enter(const MethodPosition &method, PairingFaults &faults)
+{
+    MethodStatistics *statistics = m_methods.find(method.id);
+    if (statistics == nullptr)
+        statistics = &added(method);
+    else
+        ++statistics->calls;
+    if (++m_depth >= maximumDepth) {
+        m_depth = 0;
+        faults.tooManyStarts = true;
+    }
+    m_open[static_cast<std::size_t>(m_depth)] = statistics;
+    return *statistics;
+}
+
+void ThreadRecord::leave(PairingFaults &faults)
+{
+    if (--m_depth >= 0)
+        return;
+    m_depth = 0;
+    faults.tooManyEnds = true;
+}
+
+MethodStatistics &ThreadRecord::added(const MethodPosition &method)
+{
+    const InsideAnalyzer inside;
+    MethodStatistics &statistics = m_methods.add(method.id);
+    statistics.line = method.line;
+    const platform::Locked guard(analyzerLock());
+    statistics.file = nameCopy(method.file);
+    if (const char *const name = nameCopy(method.name))
+        statistics.name = name;
+    return statistics;
+}
+
+const MethodStatistics *ThreadRecord::find(unsigned id) const
+{
+    return m_methods.find(id);
+}
+
+void ThreadRecord::clear()
+{
+    m_methods.clear();
+    m_depth = 0;
+}
+
+void ThreadRecord::appendTo(std::vector<MeasuredMethod> &methods) const
+{
+    const std::uint64_t thread = m_thread;
+    m_methods.visit([&](const MethodStatistics &method) { methods.push_back({thread, method}); });
+}
+
+// The record's lock must not be taken under the analyzer lock. In between, a report may show the methods of
+// the last thread that had the record.
+ThreadRecord &detail::registerThisThread()
+{
+    const InsideAnalyzer inside;
+    const std::uint64_t thread = platform::kernelThreadId();
+    s_threadEnd.watch(thread);
+    ThreadRecord *record = nullptr;
+    {
+        const platform::Locked guard(analyzerLock());
+        record = &registry().take(thread);
+    }
+    const platform::Locked guard(record->lock());
+    record->setThread(thread);
+    record->forgetOpenMethods();
+    s_threadRecord = record;
+    return *record;
+}
+
+std::vector<MeasuredMethod> measuredMethods()
+{
+    const InsideAnalyzer inside;
+    std::vector<MeasuredMethod> methods;
+    for (ThreadRecord *const record : threadRecords()) {
+        const platform::Locked guard(record->lock());
+        record->appendTo(methods);
+    }
+    std::sort(methods.begin(), methods.end(), [](const MeasuredMethod &left, const MeasuredMethod &right) {
+        return std::tie(left.thread, left.statistics.id) < std::tie(right.thread, right.statistics.id);
+    });
+    return methods;
+}
+
+void clearThreadRecords()
+{
+    const InsideAnalyzer inside;
+    std::vector<ThreadRecord *> records;
+    {
+        const platform::Locked guard(analyzerLock());
+        records = registry().records();
+        registry().dropEnded();
+    }
+    for (ThreadRecord *const record : records) {
+        const platform::Locked guard(record->lock());
+        record->clear();
+    }
+}
+
+void adoptRecordsInChild()
+{
+    const InsideAnalyzer inside;
+    const std::uint64_t thread = platform::kernelThreadId();
+    if (s_threadRecord != nullptr && s_threadRecord->lock().isHeld())
+        s_threadRecord = nullptr; // another thread was clearing it
+    {
+        const platform::Locked guard(analyzerLock());
+        registry().keepInChild(s_threadRecord, thread);
+    }
+    if (s_threadRecord == nullptr)
+        return;
+    s_threadEnd.watch(thread);
+    const platform::Locked guard(s_threadRecord->lock());
+    s_threadRecord->setThread(thread);
+}
+
+} // namespace Zorvan::analysis

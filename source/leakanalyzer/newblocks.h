@@ -1,0 +1,17 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+
+/// Blocks of operator new among those that free functions get to see: they go back to operator delete. Known
+/// whether or not allocations are recorded. Any thread.
+namespace Zorvan::analysis {
+
+/// A block of operator new; null if there is no memory.
+[[nodiscard]] void *newBlock(std::size_t size);
+/// Its size, if \a block is such a block.
+[[nodiscard]] std::optional<std::size_t> newBlockSize(const void *block);
+/// Gives the block back if it is one of these; false: it is not.
+bool deleteNewBlock(void *block);
+
+} // namespace Zorvan::analysis

@@ -1,0 +1,105 @@
+#include "leakrecorder.h"
+
+#include <atomic>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+namespace Zorvan::test {
+namespace {
+
+using analysis::freeBlock;
+
+constexpr int threadCount = 3;
+
+/// Runs \a work(number of the thread) in several threads at once.
+void inThreads(const std::function<void(int)> &work)
+{
+    std::vector<std::thread> threads;
+    for (int number = 0; number < threadCount; ++number)
+        threads.emplace_back(work, number);
+    for (std::thread &thread : threads)
+        thread.join();
+}
+
+TEST_F(LeakTest, blocksMayBeFreedByOtherThreads)
+{
+    constexpr int blocksOfEach = 1500;
+    constexpr std::size_t places = 16;
+    std::atomic<void *> shared[places] = {};
+    inThreads([&](int number) {
+        for (int i = 0; i < blocksOfEach; ++i) {
+            auto *const block = static_cast<int *>(allocate(sizeof(int), "shared.cpp", number));
+            *block = i;
+            // Puts its block there and frees another one's.
+            if (void *const other = shared[static_cast<std::size_t>(i + number) % places].exchange(block))
+                freeBlock(other);
+        }
+    });
+    std::ptrdiff_t left =
+        std::count_if(shared, shared + places, [](void *block) { return block != nullptr; });
+    LeakRecorder recorder;
+    recorder.report();
+    EXPECT_EQ(analysis::trackedMemoryUsage(), left * static_cast<int>(sizeof(int)));
+    for (std::atomic<void *> &block : shared)
+        if (block != nullptr)
+            freeBlock(block);
+    EXPECT_EQ(recorder.leaks(), Lines());
+    EXPECT_EQ(analysis::trackedMemoryUsage(), 0);
+}
+
+TEST_F(LeakTest, reportsClearsAndSwitchesDoNotDisturbThreadsThatAllocate)
+{
+    LeakRecorder recorder;
+    std::atomic<int> busy = threadCount - 1;
+    inThreads([&](int number) {
+        if (number == threadCount - 1) {
+            for (int round = 0; busy > 0; ++round) {
+                recorder.leaks("none");
+                analysis::clearLeaks();
+                analysis::setMemoryTracking(round % 2);
+                static_cast<void>(analysis::trackedMemoryUsage());
+            }
+            return;
+        }
+        for (int i = 0; i < 1000; ++i) {
+            void *const block = analysis::allocate(24, "a.cpp", i % 10, i % 3 == 0);
+            freeBlock(analysis::reallocate(block, 48, "b.cpp", 1));
+        }
+        --busy;
+    });
+    recorder.leaks();
+    analysis::setMemoryTracking(1);
+    analysis::clearLeaks();
+    void *const block = allocate(10);
+    EXPECT_EQ(recorder.leaks(), Lines{"data.cpp:1 10 x 1"});
+    freeBlock(block);
+}
+
+TEST_F(LeakTest, childOfAForkTracksOn)
+{
+    std::atomic<bool> done = false;
+    int failed = 0;
+    inThreads([&](int number) {
+        while (number > 0 && !done)
+            freeBlock(analysis::allocate(24, "busy.cpp", number, number == 1));
+        for (int i = 0; number == 0 && i < 10; ++i) {
+            const pid_t child = fork();
+            if (child == 0) {
+                alarm(60); // ends a child that hangs
+                freeBlock(analysis::allocate(8, "child.cpp", 1, true));
+                LeakRecorder recorder;
+                leak(8, "child.cpp", 2);
+                _exit(recorder.leaks("child.cpp") == Lines{"child.cpp:2 8 x 1"} ? 0 : 1);
+            }
+            int status = -1;
+            waitpid(child, &status, 0);
+            failed += status == 0 ? 0 : 1;
+        }
+        done = done || number == 0;
+    });
+    EXPECT_EQ(failed, 0);
+}
+
+} // namespace
+} // namespace Zorvan::test
