@@ -85,7 +85,11 @@ void setPrefix(Module &module, std::size_t width)
 
 } // namespace
 
-QuickSwitches ModuleTable::s_quickSwitches;
+namespace detail {
+QuickLevel quickLevels[quickLevelCount];
+} // namespace detail
+
+QuickSwitches ModuleTable::s_quickSwitches{detail::quickLevels};
 
 ModuleTable &moduleTable()
 {

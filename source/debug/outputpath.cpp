@@ -284,13 +284,36 @@ void Debug::setOutputFileName(const char *name)
     outputFile().setName(QString::fromLatin1(name));
 }
 
+namespace {
+
+/// The name that the calling thread was told last. Not in place: a library that is loaded at run time has
+/// room for about a kilobyte of such variables, together with all others.
+thread_local char *t_fileName = nullptr;
+
+/// Frees it with the thread. What asks later, such as static objects, gets a new one.
+struct FileNameEnd
+{
+    FileNameEnd() = default;
+    FileNameEnd(const FileNameEnd &) = delete;
+    FileNameEnd &operator=(const FileNameEnd &) = delete;
+    ~FileNameEnd()
+    {
+        delete[] t_fileName;
+        t_fileName = nullptr;
+    }
+};
+
+} // namespace
+
 const char *Debug::getOutputFileName()
 {
-    thread_local char buffer[fileNameCapacity];
+    thread_local const FileNameEnd end;
+    if (t_fileName == nullptr)
+        t_fileName = new char[fileNameCapacity];
     const TableLock guard;
     const QByteArray name = outputFile().name().toLatin1().left(fileNameCapacity - 1);
-    std::memcpy(buffer, name.constData(), static_cast<std::size_t>(name.size()) + 1);
-    return buffer;
+    std::memcpy(t_fileName, name.constData(), static_cast<std::size_t>(name.size()) + 1);
+    return t_fileName;
 }
 
 void Debug::setMaxOutputFileSize(qint64 bytes)

@@ -38,6 +38,31 @@ void QuickSwitches::set(moduleId module, int highestLevel, std::uint64_t classes
     Switches &switches = m_switches.load(std::memory_order_relaxed)[module];
     switches.level.store(highestLevel, std::memory_order_relaxed);
     switches.classes.store(classes, std::memory_order_relaxed);
+    publish(static_cast<unsigned>(module));
+}
+
+void QuickSwitches::answerBelow(int count)
+{
+    m_answered.store(static_cast<unsigned>(count), std::memory_order_release);
+    for (unsigned module = 0; module < std::min(static_cast<unsigned>(m_room), detail::quickLevelCount);
+         ++module)
+        publish(module);
+}
+
+/// What isActive() would answer at once, and nothing else: a change that is under way shows in none of its
+/// steps.
+void QuickSwitches::publish(unsigned module)
+{
+    if (m_published == nullptr || module >= detail::quickLevelCount)
+        return;
+    int level = notAsked;
+    if (module < m_answered.load(std::memory_order_relaxed))
+        level = m_switches.load(std::memory_order_relaxed)[module].level.load(std::memory_order_relaxed);
+    if (level == notAsked)
+        level = INT_MAX;
+    std::atomic<int> &published = m_published[module].refusedAbove;
+    if (published.load(std::memory_order_relaxed) != level) // readers keep their cache line
+        published.store(level, std::memory_order_relaxed);
 }
 
 } // namespace Zorvan

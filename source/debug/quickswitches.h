@@ -10,12 +10,18 @@ namespace Zorvan {
 
 /// The switches of all modules as isActive() reads them: from any thread, without a lock, in one dense array.
 ///
+/// The levels of the first modules are also published, for callers that ask without a call: messages above
+/// them are refused, all others have to be asked about here.
+///
 /// A reader may see values from a moment ago. Arrays that were outgrown are therefore never freed; all of
 /// them together take as much as the present one.
 class QuickSwitches
 {
 public:
-    constexpr QuickSwitches() = default;
+    /// \a published: detail::quickLevelCount levels; null: nothing is published.
+    constexpr explicit QuickSwitches(detail::QuickLevel *published = nullptr)
+        : m_published(published)
+    {}
     QuickSwitches(const QuickSwitches &) = delete;
     QuickSwitches &operator=(const QuickSwitches &) = delete;
 
@@ -46,7 +52,7 @@ public:
     /// \a classes: bit n is set if class n is enabled.
     void set(moduleId module, int highestLevel, std::uint64_t classes);
     /// Ids at or above \a count are answered at length; 0 for all.
-    void answerBelow(int count) { m_answered.store(static_cast<unsigned>(count), std::memory_order_release); }
+    void answerBelow(int count);
     /// @}
 
 private:
@@ -56,10 +62,13 @@ private:
         std::atomic<std::uint64_t> classes{0};
     };
 
+    void publish(unsigned module);
+
     // On a cache line that printing threads leave alone.
     alignas(64) std::atomic<unsigned> m_answered{0};
     std::atomic<Switches *> m_switches{nullptr};
     int m_room = 0;
+    detail::QuickLevel *const m_published;
 };
 
 } // namespace Zorvan

@@ -6,15 +6,21 @@
 /// analyzingToolsEnabled(), ...), which plain C shares, are in <zorvan/exports.h>.
 ///
 /// Any thread, before initDebug() and after exitDebug(), without a Qt application, while static objects are
-/// built and destroyed. The tools run if the low-level property "analyzingToolsEnabled" was 1 when the library
-/// was loaded; otherwise everything here costs next to nothing, and allocations are the plain ones.
+/// built and destroyed. The tools run if the low-level property "analyzingToolsEnabled" was 1 when the
+/// library was loaded; otherwise everything here costs next to nothing, and allocations are the plain ones.
 
 #include <zorvan/export.h>
 
+#include <atomic>
 #include <cstddef>
 
 namespace Zorvan {
 class IAnalysisOutputInterface;
+
+namespace detail {
+/// 1 while methods are measured. Looked at where a scope begins: a call into the library costs more.
+extern ZORVAN_EXPORT std::atomic<unsigned> timeTracking;
+} // namespace detail
 } // namespace Zorvan
 
 /// \name Tracked allocations
@@ -53,7 +59,7 @@ class ZORVAN_EXPORT methodTracker
 {
 public:
     methodTracker(const char *file, int line, const char *methodName)
-        : m_id(make_id(file, line))
+        : m_id(detail::timeTracking.load(std::memory_order_relaxed) == 1 ? make_id(file, line) : -1)
     {
         if (m_id >= 0)
             start(file, line, methodName);

@@ -2,9 +2,9 @@
 
 /// \file
 /// The C++ interface of the library: the facade Zorvan::Debug, the interfaces a host implements, and the
-/// services that work without a Qt application; through <zorvan/analysis.h> the instrumentation of methods and
-/// allocations, through <zorvan/macros.h> short forms that add file and line. <zorvan/exports.h>, for plain C
-/// and for what the analysis tools report, is not included.
+/// services that work without a Qt application; through <zorvan/analysis.h> the instrumentation of methods
+/// and allocations, through <zorvan/macros.h> short forms that add file and line. <zorvan/exports.h>, for
+/// plain C and for what the analysis tools report, is not included.
 ///
 /// A host sets its callbacks, calls Debug::initDebug(), creates its modules and prints; it calls
 /// Debug::exitDebug() once for every Debug::initDebug(). See docs/embedding.md.
@@ -14,7 +14,6 @@
 
 #include <zorvan/analysis.h>
 #include <zorvan/export.h>
-#include <zorvan/macros.h>
 
 #include <QString>
 
@@ -544,13 +543,13 @@ ZORVAN_EXPORT void gyxLog(const char *file, int line, const char *format, ...) Z
 /// @{
 
 /// Reports a failed assertion: in the system log always; where the low-level properties "hasGraphicalGui" and
-/// "releaseAssertEnabled" allow it, also to the user, who may go on, ignore it from now on, or end the process
-/// (at once, with exit code 0).
+/// "releaseAssertEnabled" allow it, also to the user, who may go on, ignore it from now on, or end the
+/// process (at once, with exit code 0).
 ///
-/// The debug daemon asks the user; without one a box of the system does. Returns when the program is to go on.
-/// Any thread; questions are asked one after another, without a time limit. Not to be called where printing
-/// threads would have to wait for the answer, such as in receivers. \a file null: no source position. In the
-/// log '%' starts a conversion: write "%%" for a literal one.
+/// The debug daemon asks the user; without one a box of the system does. Returns when the program is to go
+/// on. Any thread; questions are asked one after another, without a time limit. Not to be called where
+/// printing threads would have to wait for the answer, such as in receivers. \a file null: no source
+/// position. In the log '%' starts a conversion: write "%%" for a literal one.
 ZORVAN_EXPORT void gyxAssert(const QString &condition, const QString &message, const char *file, int line);
 
 /// Notes a trace point in a history that keeps the newest lines, 10 kB of them, in memory. No file, no
@@ -558,8 +557,7 @@ ZORVAN_EXPORT void gyxAssert(const QString &condition, const QString &message, c
 /// longer than 1,024 characters; a line is cut at 4,095.
 ZORVAN_EXPORT void logHistory(const char *file, int line, const char *format, va_list *arguments);
 /// The same with the arguments behind the format.
-ZORVAN_EXPORT void logHistory(const char *file, int line, const char *format, ...)
-    ZORVAN_PRINTF_FORMAT(3, 4);
+ZORVAN_EXPORT void logHistory(const char *file, int line, const char *format, ...) ZORVAN_PRINTF_FORMAT(3, 4);
 /// Appends the history to "/var/appdata/crashlog.txt", if that can be opened, and a notice to the system log.
 /// For a process that is about to end after a fault: it waits a second at most for a thread that died while
 /// it noted a trace point.
@@ -595,3 +593,5 @@ ZORVAN_EXPORT void setLowlevelIntegerProperty(int id, int value);
 /// @}
 
 } // namespace Zorvan
+
+#include <zorvan/macros.h> // needs what is declared above
