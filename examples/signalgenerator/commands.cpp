@@ -78,13 +78,20 @@ int integerOf(const Parameter &parameter, int minimum, int maximum)
     return static_cast<int>(number);
 }
 
+bool switchOf(const Parameter &parameter)
+{
+    if (parameter.kind == Parameter::Kind::Word && (parameter.text == "ON" || parameter.text == "OFF"))
+        return parameter.text == "ON";
+    return integerOf(parameter, 0, 1) != 0;
+}
+
 void addCommands(ScpiParser &parser, const Parts &parts)
 {
     addCommonCommands(parser, parts);
     addSystemCommands(parser, parts);
     addParameterCommands(parser, parts);
     addSequenceCommands(parser, parts);
-    addDiagnosticCommands(parser);
+    addDiagnosticCommands(parser, parts);
 }
 
 } // namespace SignalGenerator

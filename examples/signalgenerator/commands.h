@@ -33,7 +33,7 @@ void addCommands(ScpiParser &parser, const Parts &parts);
 /// The groups of it, one file each.
 void addParameterCommands(ScpiParser &parser, const Parts &parts);
 void addSequenceCommands(ScpiParser &parser, const Parts &parts);
-void addDiagnosticCommands(ScpiParser &parser);
+void addDiagnosticCommands(ScpiParser &parser, const Parts &parts);
 
 /// A number for a reply: up to twelve digits and a decimal point, whatever the locale.
 [[nodiscard]] std::string formatted(double number);
@@ -41,5 +41,7 @@ void addDiagnosticCommands(ScpiParser &parser);
 [[nodiscard]] const std::string &textOf(const Parameter &parameter);
 /// A whole number from \a minimum to \a maximum; throws a ScpiError for anything else.
 [[nodiscard]] int integerOf(const Parameter &parameter, int minimum, int maximum);
+/// ON, OFF, 1 or 0; throws a ScpiError for anything else.
+[[nodiscard]] bool switchOf(const Parameter &parameter);
 
 } // namespace SignalGenerator

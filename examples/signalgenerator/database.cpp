@@ -41,12 +41,14 @@ double Database::value(ParameterId id) const
 
 Settings Database::snapshot() const
 {
+    ZORVAN_TIME_METHOD();
     const std::lock_guard<std::mutex> guard(m_mutex);
     return m_settings;
 }
 
 bool Database::set(ParameterId id, double value)
 {
+    ZORVAN_TIME_METHOD();
     const ParameterInfo &info = infoOf(id);
     if (value < info.minimum || value > info.maximum) {
         print(Module::Database, Level::Warning, "%s: %g is not within %g and %g", info.header, value,

@@ -1,4 +1,5 @@
 #include "commands.h"
+#include "settingtimes.h"
 
 #include <zorvan/debug.h>
 
@@ -25,10 +26,8 @@ Zorvan::moduleId moduleOf(const Parameter &parameter)
     return integerOf(parameter, 0, highestModule);
 }
 
-} // namespace
-
-// The debug output itself by remote control: which modules print, what, and what their lines show.
-void addDiagnosticCommands(ScpiParser &parser)
+// Which modules print, what, and what their lines show.
+void addOutputCommands(ScpiParser &parser)
 {
     parser.addSetting("DIAGnostic:DEBug:LEVel", twoParameters,
                       [](const Parameters &p) { Debug::enableLevel(moduleOf(p[0]), latin1(p[1])); });
@@ -48,6 +47,22 @@ void addDiagnosticCommands(ScpiParser &parser)
     });
     parser.addQuery("DIAGnostic:DEBug:SETTings", noParameters,
                     [](const Parameters &) { return quoted(Debug::getEnabledSettings()); });
+}
+
+} // namespace
+
+// The library's services by remote control: its output, hooks, the times of a setting, a leak to be found.
+void addDiagnosticCommands(ScpiParser &parser, const Parts &parts)
+{
+    addOutputCommands(parser);
+    parser.addSetting("DIAGnostic:HOOK", twoParameters, [](const Parameters &p) {
+        Debug::activateHooks(textOf(p[0]).c_str(), textOf(p[1]).c_str());
+    });
+    parser.addSetting("DIAGnostic:TIME:ARM", noParameters,
+                      [parts](const Parameters &) { parts.kernel.timeNextSetting(); });
+    parser.addQuery("DIAGnostic:TIME", noParameters, [](const Parameters &) { return settingTimes(); });
+    parser.addSetting("DIAGnostic:FAULt:LEAK", oneParameter,
+                      [parts](const Parameters &p) { parts.hardware.setLeaking(switchOf(p[0])); });
 }
 
 } // namespace SignalGenerator

@@ -2,6 +2,7 @@
 
 #include "errorqueue.h"
 #include "print.h"
+#include "settingtimes.h"
 
 #include <algorithm>
 #include <chrono>
@@ -17,7 +18,6 @@ namespace {
 using std::chrono::microseconds;
 
 constexpr double highestOscillatorHz = 6e9;
-constexpr double attenuatorStepDecibel = 5;
 constexpr double amplifierMaximumDbm = 18;
 constexpr microseconds lockPollInterval{50};
 constexpr int pollsUntilLocked = 3;
@@ -57,6 +57,7 @@ bool waitForLock(int octavesApart, bool externalReference)
 
 void modulate(const Settings &settings)
 {
+    ZORVAN_TIME_METHOD();
     const TimeMeasurement measurement(Module::AnalogBoard, "modulator");
     settle(modulatorTime);
     print(Module::AnalogBoard, Level::Info,
@@ -65,16 +66,6 @@ void modulate(const Settings &settings)
           onOff(settings, ParameterId::FmState), settings[ParameterId::FmDeviation],
           onOff(settings, ParameterId::PulseState), settings[ParameterId::PulsePeriod] * 1e6,
           settings[ParameterId::LfFrequency]);
-}
-
-void generate(const Settings &settings, const std::string &samples)
-{
-    const TimeMeasurement measurement(Module::Wavemill, "baseband");
-    print(Module::Wavemill, Level::Info, "generator %s, %zu samples, clock %g Hz",
-          onOff(settings, ParameterId::BasebandState), samples.size(), settings[ParameterId::BasebandClock]);
-    settle(modulatorTime + loadTimePerSample * static_cast<int>(samples.size()));
-    print(Module::BasebandInput, Level::Info, "IQ modulator %s, quadrature %g degrees",
-          onOff(settings, ParameterId::IqState), settings[ParameterId::IqQuadrature]);
 }
 
 } // namespace
@@ -100,7 +91,7 @@ void Hardware::setModulator(const Settings &settings)
 
 void Hardware::setBaseband(const Settings &settings, const std::string &samples)
 {
-    m_thread.post([settings, samples] { generate(settings, samples); });
+    m_thread.post([this, settings, samples] { generate(settings, samples); });
 }
 
 void Hardware::waitUntilSettled()
@@ -116,7 +107,10 @@ HardwareState Hardware::state() const
 
 void Hardware::tune(const SynthesizerSetting &setting)
 {
+    ZORVAN_TIME_METHOD();
+    const TimedStage stage(Zorvan::timeMeasHardwareFrequency, Pass::Settling);
     const TimeMeasurement measurement(Module::BaseBoard, "synthesizer");
+    ZORVAN_TRACE("synthesizer %.0f Hz", setting.frequencyHz);
     const int octave = octaveOf(setting.frequencyHz);
     print(Module::BaseBoard, Level::Info, "oscillator %.6f MHz, divided by 2^%d, phase %g degrees",
           std::ldexp(setting.frequencyHz, octave) / 1e6, octave, setting.phaseDegrees);
@@ -136,14 +130,17 @@ void Hardware::tune(const SynthesizerSetting &setting)
 
 void Hardware::attenuate(const OutputSetting &setting)
 {
+    ZORVAN_TIME_METHOD();
+    const TimedStage stage(Zorvan::timeMeasHardwareLevel, Pass::Settling);
     const TimeMeasurement measurement(Module::AnalogBoard, "output");
+    ZORVAN_TRACE("output %.2f dBm", setting.levelDbm);
     const int steps =
-        static_cast<int>(std::ceil((amplifierMaximumDbm - setting.levelDbm) / attenuatorStepDecibel));
-    const int attenuation = std::max(steps, 0) * static_cast<int>(attenuatorStepDecibel);
-    bool relaysMove = false;
+        static_cast<int>(std::ceil((amplifierMaximumDbm - setting.levelDbm) / attenuator_step_decibel));
+    const int attenuation = std::max(steps, 0) * attenuator_step_decibel;
+    const bool relaysMove = attenuator_set(&m_attenuator, attenuation) > 0;
     {
         const std::lock_guard<std::mutex> guard(m_mutex);
-        relaysMove = std::exchange(m_state.attenuationDecibel, attenuation) != attenuation;
+        m_state.attenuationDecibel = attenuation;
     }
     print(Module::AnalogBoard, Level::Info, "output %s, attenuator %d dB, amplifier %.2f dBm",
           setting.on ? "on" : "off", attenuation, setting.levelDbm + attenuation);
@@ -154,6 +151,18 @@ void Hardware::attenuate(const OutputSetting &setting)
               setting.levelDbm, highestDbm);
         m_onFault(ErrorCode::Unlevelled, std::to_string(std::lround(setting.levelDbm)) + " dBm");
     }
+}
+
+void Hardware::generate(const Settings &settings, const std::string &samples)
+{
+    ZORVAN_TIME_METHOD();
+    const TimeMeasurement measurement(Module::Wavemill, "baseband");
+    print(Module::Wavemill, Level::Info, "generator %s, %zu samples, clock %g Hz",
+          onOff(settings, ParameterId::BasebandState), samples.size(), settings[ParameterId::BasebandClock]);
+    m_waveform.load(samples);
+    settle(modulatorTime + loadTimePerSample * static_cast<int>(samples.size()));
+    print(Module::BasebandInput, Level::Info, "IQ modulator %s, quadrature %g degrees",
+          onOff(settings, ParameterId::IqState), settings[ParameterId::IqQuadrature]);
 }
 
 } // namespace SignalGenerator

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "database.h"
+#include "drivers/attenuator.h"
+#include "waveformmemory.h"
 #include "workerthread.h"
 
 #include <functional>
@@ -45,6 +47,8 @@ public:
     /// Modulators and baseband generator take their values from \a settings as they are.
     void setModulator(const Settings &settings);
     void setBaseband(const Settings &settings, const std::string &samples);
+    /// See WaveformMemory.
+    void setLeaking(bool leaking) { m_waveform.setLeaking(leaking); }
     void waitUntilSettled();
 
     [[nodiscard]] HardwareState state() const;
@@ -52,11 +56,15 @@ public:
 private:
     void tune(const SynthesizerSetting &setting);
     void attenuate(const OutputSetting &setting);
+    void generate(const Settings &settings, const std::string &samples);
 
     const FaultHandler m_onFault;
     mutable std::mutex m_mutex; // guards m_state
     HardwareState m_state;
-    int m_octave = 0; // hardware thread only: how often the oscillator's frequency is halved
+    // hardware thread only
+    int m_octave = 0; // how often the oscillator's frequency is halved
+    attenuator m_attenuator{};
+    WaveformMemory m_waveform;
     WorkerThread m_thread{"hardware"}; // last, so that it ends first
 };
 

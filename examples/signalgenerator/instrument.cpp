@@ -2,6 +2,7 @@
 
 #include "commands.h"
 #include "print.h"
+#include "settingtimes.h"
 
 namespace SignalGenerator {
 
@@ -26,7 +27,11 @@ Instrument::~Instrument()
 
 std::string Instrument::execute(std::string_view line)
 {
-    return m_parser.execute(line);
+    const TimedStage total(Zorvan::timeMeasTotal);
+    m_kernel.beginLine();
+    std::string reply = m_parser.execute(line);
+    m_kernel.endLine();
+    return reply;
 }
 
 Status Instrument::status() const

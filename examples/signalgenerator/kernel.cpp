@@ -1,6 +1,7 @@
 #include "kernel.h"
 
 #include "print.h"
+#include "settingtimes.h"
 
 #include <utility>
 
@@ -57,6 +58,7 @@ void Kernel::settingsChanged(GroupSet groups)
 void Kernel::settlePoint(const Point &point)
 {
     m_thread.post([this, point] {
+        ZORVAN_TRACE("point %.0f Hz, %.2f dBm", point.frequencyHz, point.levelDbm);
         const Settings settings = m_database.snapshot();
         setSynthesizer(settings, point);
         setOutput(settings, point);
@@ -70,16 +72,55 @@ void Kernel::waitUntilSettled()
     m_hardware.waitUntilSettled();
 }
 
+void Kernel::timeNextSetting()
+{
+    waitUntilSettled();
+    m_thread.post([this] {
+        // The timers expect to be armed by a setting that ends both of these once before those that count.
+        const TimedStage database(Zorvan::timeMeasDatabase);
+        armSettingTimes();
+        const TimedStage hardware(Zorvan::timeMeasHardware);
+        m_nextIsTimed = true;
+    });
+    waitUntilSettled();
+}
+
+void Kernel::beginLine()
+{
+    m_isTimed = m_nextIsTimed.exchange(false);
+}
+
+void Kernel::endLine()
+{
+    if (m_isTimed)
+        waitUntilSettled();
+    m_isTimed = false;
+}
+
 void Kernel::setHardware()
 {
+    ZORVAN_TIME_METHOD();
     const TimeMeasurement measurement(Module::Kernel, "hardware setting");
+    const TimedStage database(Zorvan::timeMeasDatabase);
     GroupSet changed;
     {
         const std::lock_guard<std::mutex> guard(m_mutex);
         std::swap(changed, m_changed);
     }
+    const std::string names = namesOf(changed);
+    ZORVAN_TRACE("setting%s", names.c_str());
+    print(Module::Kernel, Level::Info, "setting%s", names.c_str());
+    handOver(changed);
+    if (m_isTimed) {
+        const TimedStage hardware(Zorvan::timeMeasHardware, Pass::Settling);
+        m_hardware.waitUntilSettled();
+    }
+}
+
+void Kernel::handOver(GroupSet changed)
+{
     const Settings settings = m_database.snapshot();
-    print(Module::Kernel, Level::Info, "setting%s", namesOf(changed).c_str());
+    const TimedStage hardware(Zorvan::timeMeasHardware);
     const Point carrier{settings[ParameterId::Frequency], settings[ParameterId::Level]};
     if (has(changed, Group::Synthesizer))
         setSynthesizer(settings, carrier);

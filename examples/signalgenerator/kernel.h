@@ -5,6 +5,7 @@
 #include "storage.h"
 #include "workerthread.h"
 
+#include <atomic>
 #include <mutex>
 
 namespace SignalGenerator {
@@ -25,8 +26,16 @@ public:
     /// Waits until everything that was changed so far is at the output.
     void waitUntilSettled();
 
+    /// Has the next line of commands timed, from its beginning to its settled output. Called in a line, which
+    /// ends as ever. A list or sweep that runs meanwhile gets into the times.
+    void timeNextSetting();
+    /// A line begins or ends. A line that is timed waits for its end until it is at the output.
+    void beginLine();
+    void endLine();
+
 private:
     void setHardware();
+    void handOver(GroupSet changed);
     void setSynthesizer(const Settings &settings, const Point &point);
     void setOutput(const Settings &settings, const Point &point);
 
@@ -35,6 +44,8 @@ private:
     Hardware &m_hardware;
     std::mutex m_mutex; // guards m_changed
     GroupSet m_changed;
+    std::atomic<bool> m_nextIsTimed{false};
+    std::atomic<bool> m_isTimed{false};
     WorkerThread m_thread{"kernel"}; // last, so that it ends first
 };
 

@@ -1,5 +1,7 @@
+#include "analysisreport.h"
 #include "console.h"
 #include "debugsession.h"
+#include "faults.h"
 #include "instrument.h"
 #include "options.h"
 #include "panel/panelsession.h"
@@ -17,11 +19,14 @@ void runHeadlessSession(const Options &options, std::istream &script)
 {
     setThreadName("command");
     const DebugSession session(QString::fromLocal8Bit(options.settings.c_str()));
+    const FaultHooks faultHooks;
+    const AnalysisReport analysis;
     Traffic traffic;
     {
         Instrument instrument;
         traffic = Console(instrument).run(script);
     }
+    AnalysisReport::print(); // what the instrument has not given back by now is lost
     printSummary(traffic, session.services().tappedLines());
 }
 
@@ -36,6 +41,10 @@ bool wantsPanel(const Options &options)
 
 int run(const Options &options)
 {
+    if (!options.analysis.empty()) {
+        switchAnalysis(options.analysis == "on");
+        return 0;
+    }
     const bool fromInput = options.script.empty() || options.script == "-";
     std::ifstream file;
     if (!fromInput) {
@@ -61,6 +70,7 @@ int main(int argc, char **argv)
         std::fputs(usage, valid ? stdout : stderr);
         return valid ? 0 : 1;
     }
+    writeHistoryOnFault();
     // Before and after the session there is no debug output yet: the system log takes the message.
     Zorvan::gyxLog("main.cpp", __LINE__, "signal generator starts\n");
     const int result = run(options);

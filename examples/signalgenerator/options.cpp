@@ -11,7 +11,10 @@ const char *const usage =
     "  --settings  settings of the debug output, group DebugServer\n"
     "  --autopilot PICTURE.png\n"
     "              drives the panel by itself, loads SCRIPT, saves a picture of the panel and ends; beside\n"
-    "              it come debugwindow.png, a picture of the debug window, and debugwindow.txt, its text\n";
+    "              it come debugwindow.png, a picture of the debug window, and debugwindow.txt, its text\n"
+    "  --analysis on|off\n"
+    "              switches leak tracking and method timing on or off from the next start on, and ends;\n"
+    "              a session without the panel reports at its end what they have found\n";
 
 namespace {
 
@@ -20,7 +23,17 @@ std::string *valueOf(const std::string &option, Options &options)
 {
     if (option == "--settings")
         return &options.settings;
+    if (option == "--analysis")
+        return &options.analysis;
     return option == "--autopilot" ? &options.picture : nullptr;
+}
+
+bool fitTogether(const Options &options)
+{
+    const bool panelPossible = !options.headless && options.script != "-";
+    const bool switchKnown =
+        options.analysis.empty() || options.analysis == "on" || options.analysis == "off";
+    return (options.picture.empty() || panelPossible) && switchKnown;
 }
 
 bool isOption(const std::string &argument)
@@ -46,7 +59,7 @@ bool parseOptions(int count, const char *const *arguments, Options &options)
         else
             options.script = argument;
     }
-    return options.picture.empty() || !(options.headless || options.script == "-");
+    return fitTogether(options);
 }
 
 } // namespace SignalGenerator

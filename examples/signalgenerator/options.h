@@ -9,6 +9,7 @@ struct Options
 {
     std::string script; ///< empty: none given; "-": standard input
     std::string settings;
+    std::string analysis; ///< "on" or "off": switch the analysis tools for the next start, and end
     std::string picture; ///< not empty: the autopilot drives the panel and saves its picture here
     bool headless = false;
     bool help = false;

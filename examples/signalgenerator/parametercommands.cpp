@@ -1,4 +1,5 @@
 #include "commands.h"
+#include "settingtimes.h"
 
 namespace SignalGenerator {
 
@@ -34,9 +35,7 @@ double valueOf(const ParameterInfo &info, const Parameter &parameter)
     const bool isWord = parameter.kind == Parameter::Kind::Word;
     switch (info.kind) {
     case ParameterKind::Switch:
-        if (isWord && (parameter.text == "ON" || parameter.text == "OFF"))
-            return parameter.text == "ON" ? 1 : 0;
-        return integerOf(parameter, 0, 1);
+        return switchOf(parameter) ? 1 : 0;
     case ParameterKind::Choice:
         if (isWord)
             return choiceValue(info, parameter.text);
@@ -75,6 +74,7 @@ void checkConflicts(ParameterId id, double value, const Parts &parts)
 
 void set(const ParameterInfo &info, const Parameter &parameter, const Parts &parts)
 {
+    const TimedStage stage(Zorvan::timeMeasScpiToDatabase);
     double value = valueOf(info, parameter);
     if (parameter.kind == Parameter::Kind::Number)
         value -= offsetOf(info.id, parts.database);

@@ -1,6 +1,7 @@
 #include "scpiparser.h"
 
 #include "print.h"
+#include "settingtimes.h"
 
 #include <utility>
 
@@ -63,15 +64,23 @@ std::string ScpiParser::execute(std::string_view line)
 
 std::string ScpiParser::executeUnit(MessageUnit &unit)
 {
-    inheritPath(unit);
+    ZORVAN_TIME_METHOD();
     const TimeMeasurement measurement(Module::Scpi, "command");
+    return prepared(unit).run(unit.parameters);
+}
+
+const ScpiParser::Command &ScpiParser::prepared(MessageUnit &unit)
+{
+    ZORVAN_TIME_METHOD();
+    const TimedStage stage(Zorvan::timeMeasParse);
+    inheritPath(unit);
     const Command &command = find(unit);
     if (unit.parameters.size() < command.count.fewest)
         throw ScpiError(ErrorCode::MissingParameter, headerOf(unit));
     if (unit.parameters.size() > command.count.most)
         throw ScpiError(ErrorCode::ParameterNotAllowed, headerOf(unit));
     print(Module::Scpi, Level::Info, "%s, %zu parameters", headerOf(unit).c_str(), unit.parameters.size());
-    return command.run(unit.parameters);
+    return command;
 }
 
 void ScpiParser::inheritPath(MessageUnit &unit)

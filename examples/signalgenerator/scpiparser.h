@@ -48,6 +48,8 @@ private:
     };
 
     [[nodiscard]] std::string executeUnit(MessageUnit &unit);
+    /// The command of a unit whose parameters have the right number.
+    [[nodiscard]] const Command &prepared(MessageUnit &unit);
     void inheritPath(MessageUnit &unit);
     [[nodiscard]] const Command &find(const MessageUnit &unit) const;
 

@@ -2,6 +2,7 @@
 
 #include "console.h"
 #include "debugsession.h"
+#include "faults.h"
 #include "instrument.h"
 #include "options.h"
 #include "panel/autopilot.h"
@@ -75,6 +76,7 @@ int runPanelSession(const Options &options)
     setThreadName("gui");
     std::setlocale(LC_NUMERIC, "C"); // QApplication took the user's; numbers in debug lines keep their point
     const DebugSession session(fileName(options.settings), MessageBoxes::Allowed);
+    const FaultHooks faultHooks;
     Traffic traffic;
     const int result = runInstrument(options, traffic);
     printSummary(traffic, session.services().tappedLines());

@@ -2,8 +2,10 @@
 #include "support/programdata.h"
 
 #include <algorithm>
+#include <csignal>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <regex>
 #include <string>
 
 using namespace Zorvan::test;
@@ -27,6 +29,7 @@ protected:
         const ChildResult result =
             runChild(m_environment + " '" SIGNALGENERATOR "' " + options + " <" + input + " 2>&1");
         m_output = result.output;
+        m_signal = result.signal;
         return result.exitCode;
     }
 
@@ -40,6 +43,7 @@ protected:
     const std::string m_settings = libraryFile("demo.ini");
     std::string m_environment = "env"; // what runs the program
     std::string m_output;
+    int m_signal = 0; // that ended it
 };
 
 TEST_F(ExampleHost, RunsTheShippedScript)
@@ -75,6 +79,49 @@ TEST_F(ExampleHost, AnswersOnStandardInput)
                   "<- Velmora,SG4000,100001,1.0.0\n<- -113,\"Undefined header;NONSENSE\"\n"
                   "signalgenerator: 3 command lines, 2 replies, 0 lines through the line tap\n");
     }
+}
+
+TEST_F(ExampleHost, ReportsLeaksAndMethodsInTheRunAfterTheSwitch)
+{
+    m_environment = "env ASAN_OPTIONS=detect_leaks=0"; // it would find the leaks, too
+    const std::string script = "--headless '" EXAMPLE_FOLDER "/analysis.scpi'";
+    const std::string leak = "memory leak with 256 bytes occurred 2 times\n";
+    ASSERT_EQ(run(script), 0);
+    EXPECT_FALSE(contains(m_output, "analysis:")) << m_output;
+    ASSERT_EQ(run("--analysis on"), 0);
+    ASSERT_EQ(run(script), 0);
+    EXPECT_TRUE(
+        std::regex_search(m_output, std::regex("analysis: waveformmemory.cpp\\([0-9]+\\): \\++ " + leak)))
+        << m_output;
+    for (const char *method : {"executeUnit", "set", "setHardware", "tune", "load", "attenuator_set"})
+        EXPECT_TRUE(std::regex_search(
+            m_output, std::regex(std::string("analysis: +[0-9]+ +[0-9]+ +[0-9]+ +[0-9]+ .*") + method)))
+            << method;
+    EXPECT_FALSE(contains(m_output, "wrong startMethod")) << m_output;
+    ASSERT_EQ(run("--analysis off"), 0);
+    ASSERT_EQ(run(script), 0);
+    EXPECT_FALSE(contains(m_output, "analysis:")) << m_output;
+}
+
+TEST_F(ExampleHost, LogsAFailedAssertionAndGoesOn)
+{
+    const std::string input = libraryFile("input.scpi");
+    writeFile(input, "DIAG:HOOK 'SG_assert','out of waveforms'\nFREQ?");
+    ASSERT_EQ(run("--headless", input), 0);
+    EXPECT_TRUE(contains(m_output, "<- 1000000000\n"));
+    EXPECT_TRUE(contains(readFile(libraryFile("GYX-syslog-0.log")),
+                         "++++ Debug Assertion Failed: allIsWell;out of waveforms\n"));
+}
+
+TEST_F(ExampleHost, DumpsItsTracePointsWhenItCrashes)
+{
+    const std::string input = libraryFile("input.scpi");
+    writeFile(input, "FREQ 2 GHz;*OPC?\nDIAG:HOOK 'SG_crash',''\nFREQ?");
+    run("--headless", input);
+    EXPECT_EQ(m_signal, SIGSEGV) << m_output;
+    EXPECT_FALSE(contains(m_output, "<- 2000000000\n"));
+    EXPECT_TRUE(
+        contains(readFile(libraryFile("GYX-syslog-0.log")), "now trying to dump history of last execution"));
 }
 
 TEST_F(ExampleHost, WorksWithoutADisplayAndSaysSo)

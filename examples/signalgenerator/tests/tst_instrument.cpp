@@ -1,9 +1,13 @@
 #include "debugsession.h"
 #include "instrument.h"
+#include "modules.h"
 
 #include <chrono>
 #include <gtest/gtest.h>
+#include <map>
+#include <regex>
 #include <thread>
+#include <vector>
 
 using namespace SignalGenerator;
 
@@ -73,6 +77,59 @@ TEST_F(InstrumentTest, ReportsFaultsOfTheHardware)
     EXPECT_EQ(execute("SYST:ERR?"), "20,\"External reference missing;REF IN\"");
     EXPECT_EQ(execute("ROSC:SOUR INT;:OUTP ON;:FREQ 5 GHz;*OPC?;:POW 22;*OPC?;:SYST:ERR?"),
               "1;1;50,\"Output unlevelled;22 dBm\"");
+}
+
+// The times of the last setting that was timed, in the order of the library's stages.
+class TimesOfASetting : public InstrumentTest
+{
+protected:
+    void read()
+    {
+        const std::string reply = execute("DIAG:TIME?");
+        const std::regex stage("\"(\\w+|Scpi->Db) time (\\d+) cycles\"");
+        for (std::sregex_iterator match(reply.begin(), reply.end(), stage), end; match != end; ++match)
+            m_times[(*match)[1]] = std::stoll((*match)[2]);
+        ASSERT_EQ(m_times.size(), 8U) << reply;
+    }
+
+    std::map<std::string, long long> m_times;
+};
+
+TEST_F(TimesOfASetting, CoverTheLineAfterTheOneThatArmsThem)
+{
+    EXPECT_EQ(execute("DIAG:TIME:ARM"), "");
+    EXPECT_EQ(execute("DIAG:TIME:ARM"), "") << "also in a line that is timed";
+    EXPECT_EQ(execute("FREQ 1.1 GHz;*OPC?;:POW -60 dBm"), "1") << "two settings: the first one counts";
+    EXPECT_EQ(m_instrument.status().hardware.attenuationDecibel, 80) << "and the line waits for both";
+    read();
+    for (const auto &[stage, time] : m_times)
+        EXPECT_GT(time, 0) << stage;
+    EXPECT_GT(m_times["HW_level"], 100'000) << "nanoseconds: the board takes longer";
+    EXPECT_GT(m_times["Total"], m_times["Parse"] + m_times["Database"] + m_times["HW_total2"]);
+    EXPECT_GT(m_times["Total"], m_times["HW_freq"] + m_times["HW_level"]);
+    const std::map<std::string, long long> kept = m_times;
+    EXPECT_EQ(execute("FREQ 2 GHz;POW 0 dBm;*OPC?"), "1");
+    read();
+    EXPECT_EQ(m_times, kept) << "one line only";
+}
+
+TEST_F(InstrumentTest, LetsItsPlainCDriverPrint)
+{
+    static std::vector<std::string> lines;
+    const auto receiver = [](Zorvan::hookData *data) { lines.emplace_back(data->text); };
+    Zorvan::Debug::setOutputReceiver(Module::AnalogBoard, receiver);
+    Zorvan::Debug::setClippingLevel(Module::AnalogBoard, Level::Error);
+    attenuator driver{0};
+    EXPECT_EQ(attenuator_set(&driver, 12), 2) << "10 and 5 decibels";
+    EXPECT_TRUE(lines.empty()) << "nobody wants to know";
+    EXPECT_EQ(attenuator_set(&driver, 1000), 4);
+    Zorvan::Debug::setClippingLevel(Module::AnalogBoard, Level::Info);
+    EXPECT_EQ(attenuator_set(&driver, -1), 6);
+    Zorvan::Debug::setOutputReceiver(Module::AnalogBoard, nullptr);
+    ASSERT_EQ(lines.size(), 3U);
+    EXPECT_NE(lines[0].find("1000 dB is out of range, using 315 dB"), std::string::npos) << lines[0];
+    EXPECT_NE(lines[1].find("-1 dB is out of range, using 0 dB"), std::string::npos) << lines[1];
+    EXPECT_NE(lines[2].find("attenuator relays 0x00, 6 have moved"), std::string::npos) << lines[2];
 }
 
 TEST_F(InstrumentTest, TellsItsStatusWhileACommandWaits)

@@ -40,6 +40,8 @@ TEST_F(CommandLine, TakesOptionsInAnyOrder)
     EXPECT_FALSE(options.headless);
     EXPECT_TRUE(parse({"-"}));
     EXPECT_EQ(options.script, "-");
+    EXPECT_TRUE(parse({"--analysis", "off"}));
+    EXPECT_EQ(options.analysis, "off");
     EXPECT_TRUE(parse({"--help"}));
     EXPECT_TRUE(options.help);
 }
@@ -54,6 +56,7 @@ TEST_F(CommandLine, RefusesWhatMakesNoSense)
     EXPECT_FALSE(parse({"a.scpi", "--autopilot"}));
     EXPECT_FALSE(parse({"--autopilot", "p.png", "--headless"})) << "nothing to drive";
     EXPECT_FALSE(parse({"--autopilot", "p.png", "-"}));
+    EXPECT_FALSE(parse({"--analysis", "maybe"}));
 }
 
 } // namespace
