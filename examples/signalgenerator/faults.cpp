@@ -2,6 +2,7 @@
 
 #include "threadnames.h"
 
+#include <atomic>
 #include <csignal>
 #include <unistd.h>
 
@@ -13,13 +14,52 @@ namespace {
 
 constexpr unsigned patienceSeconds = 5;
 
-// Little is allowed in here. A fault inside of it, and an alarm after a hang, end the process.
+std::atomic<pid_t> s_faultyThread{0}; // the first one
+std::atomic<int> s_fault{0}; // its signal
+
+void letThrough(int signal)
+{
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, signal);
+    pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
+}
+
+/// Exit status and core dump are those of the first fault. Any thread, also as the handler of the alarm.
+void endByFirstFault(int)
+{
+    const int fault = s_fault;
+    std::signal(fault, SIG_DFL);
+    std::raise(fault);
+    letThrough(fault);
+}
+
+/// Handler of all faults. Little is allowed in here: the alarm ends a dump that hangs.
 void writeHistory(int signal)
 {
-    std::signal(signal, SIG_DFL);
+    pid_t first = 0;
+    if (!s_faultyThread.compare_exchange_strong(first, gettid())) {
+        if (first == gettid())
+            endByFirstFault(0); // the dump itself has failed
+        for (;;)
+            pause(); // the first one ends the process
+    }
+    s_fault = signal;
+    std::signal(SIGALRM, endByFirstFault); // whoever started this program may have had it ignored, or blocked
+    letThrough(SIGALRM);
     alarm(patienceSeconds);
     Zorvan::dumpLogHistory();
-    std::raise(signal); // comes when this returns
+    endByFirstFault(0);
+}
+
+/// A handler's stack for this thread: its own one may be what has run out.
+void provideSpareStack()
+{
+    static char spare[64 * 1024];
+    stack_t stack{};
+    stack.ss_sp = spare;
+    stack.ss_size = sizeof spare;
+    sigaltstack(&stack, nullptr);
 }
 
 void assertionActivated(char *, char *parameters)
@@ -34,8 +74,12 @@ void assertionActivated(char *, char *parameters)
 
 void writeHistoryOnFault()
 {
+    provideSpareStack();
+    struct sigaction action = {};
+    action.sa_handler = writeHistory;
+    action.sa_flags = SA_ONSTACK;
     for (const int signal : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT})
-        std::signal(signal, writeHistory);
+        sigaction(signal, &action, nullptr);
 }
 
 void FaultHooks::CrashHook::hookActivated(char *key, char *)

@@ -9,6 +9,7 @@ namespace SignalGenerator {
 ///
 /// It may not work: the process is damaged, and the fault may have come in the middle of what writing needs.
 /// What does not end within some seconds is ended. Then the fault takes its usual course, to the core dump.
+/// A stack overflow is only survived that long in the thread that has called this, the main thread.
 void writeHistoryOnFault();
 
 /// Hooks to try out what happens when something goes wrong, installed for as long as it lives: between

@@ -26,8 +26,9 @@ public:
     /// Waits until everything that was changed so far is at the output.
     void waitUntilSettled();
 
-    /// Has the next line of commands timed, from its beginning to its settled output. Called in a line, which
-    /// ends as ever. A list or sweep that runs meanwhile gets into the times.
+    /// Has the next line of commands timed, from its beginning to its settled output. Called by the last
+    /// command of a line, which ends as ever: a setting behind it, in the same line, would be taken for part
+    /// of what is timed. A list or sweep that runs meanwhile gets into the times.
     void timeNextSetting();
     /// A line begins or ends. A line that is timed waits for its end until it is at the output.
     void beginLine();

@@ -86,8 +86,9 @@ int ask(DaemonLink &link, const QString &key, const std::string &text)
 
 void logFailure(const QString &condition, const QString &message, const char *file, int line)
 {
-    const QByteArray text =
+    QByteArray text =
         QStringLiteral("++++ Debug Assertion Failed: %1;%2\n").arg(condition, message).toLocal8Bit();
+    text.replace('\0', ' '); // it would end the line, without a line end
     gyxLog(nullptr, file, line, text.constData(), nullptr);
 }
 

@@ -202,6 +202,7 @@ bool TraceHistory::lockUnlessStuck() ZORVAN_NO_THREAD_SAFETY_ANALYSIS
 
 void TraceHistory::dump(const char *crashLog) ZORVAN_NO_THREAD_SAFETY_ANALYSIS
 {
+    const platform::ErrorNumberKept kept;
     const bool isMine = lockUnlessStuck();
     gyxLog(nullptr, 0, "\n");
     gyxLog(nullptr, 0, "%s", heading + 1);
@@ -226,7 +227,10 @@ void TraceHistory::release() ZORVAN_NO_THREAD_SAFETY_ANALYSIS
 
 TraceHistory &traceHistory()
 {
-    static auto *const history = new TraceHistory;
+    static auto *const history = [] {
+        const platform::ErrorNumberKept kept; // the rules of the time zone may be missing
+        return new TraceHistory;
+    }();
     return *history;
 }
 

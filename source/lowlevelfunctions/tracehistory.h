@@ -28,7 +28,7 @@ public:
 
     /// See logHistory(). Leaves the caller's errno alone.
     void note(const char *file, int line, const char *format, va_list *arguments) ZORVAN_EXCLUDES(m_lock);
-    /// See dumpLogHistory(); \a crashLog is the path of the file.
+    /// See dumpLogHistory(); \a crashLog is the path of the file. Leaves the caller's errno alone.
     void dump(const char *crashLog) ZORVAN_EXCLUDES(m_lock);
 
     /// For fork(): nothing changes from hold() to release().
@@ -55,7 +55,8 @@ private:
     alignas(cacheLine) char m_ring[ringSize] ZORVAN_GUARDED_BY(m_lock);
 };
 
-/// The history of this process. Never destroyed.
+/// The history of this process. Never destroyed. Made when the library is loaded, or before by static objects
+/// of the host: making it allocates and reads a file, which a crashing process should not have to do.
 TraceHistory &traceHistory();
 
 } // namespace Zorvan

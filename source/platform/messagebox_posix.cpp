@@ -4,10 +4,13 @@
 #include "platform/programs_posix_p.h"
 #include "platform/standardoutput.h"
 
+#include <algorithm>
 #include <array>
 #include <cinttypes>
+#include <climits>
 #include <cstdio>
-#include <fstream>
+#include <cstring>
+#include <memory>
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -85,22 +88,28 @@ Outcome outcomeOf(std::string word)
 std::string folderOfThisCode()
 {
     const auto address = reinterpret_cast<std::uintptr_t>(&boxHelperName);
-    std::ifstream mappings("/proc/self/maps");
-    for (std::string line; std::getline(mappings, line);) {
+    const std::unique_ptr<std::FILE, int (*)(std::FILE *)> mappings(std::fopen("/proc/self/maps", "re"),
+                                                                    std::fclose);
+    std::array<char, PATH_MAX + 128> line{}; // the rest of a longer one looks like a line without addresses
+    while (mappings != nullptr && std::fgets(line.data(), line.size(), mappings.get()) != nullptr) {
         std::uintptr_t begin = 0;
         std::uintptr_t end = 0;
-        if (std::sscanf(line.c_str(), "%" SCNxPTR "-%" SCNxPTR, &begin, &end) != 2 || address < begin
+        if (std::sscanf(line.data(), "%" SCNxPTR "-%" SCNxPTR, &begin, &end) != 2 || address < begin
             || address >= end)
             continue;
-        const std::size_t path = line.find('/');
-        return path == std::string::npos ? std::string() : line.substr(path, line.rfind('/') + 1 - path);
+        const char *const path = std::strchr(line.data(), '/');
+        return path == nullptr ? std::string() : std::string(path, std::strrchr(path, '/') + 1);
     }
     return {};
 }
 
-std::string shownPart(const std::string &text)
+/// Of a text that is too long the middle is left out: the question is at its end.
+std::string shownPart(std::string text)
 {
-    return text.size() <= longestArgument ? text : text.substr(0, longestArgument) + "... (cut)";
+    if (text.size() > longestArgument)
+        text.replace(longestArgument / 2, text.size() - longestArgument, "\n... (cut) ...\n");
+    std::replace(text.begin(), text.end(), '\0', ' '); // it would end the argument
+    return text;
 }
 
 Outcome askHelper(const std::string &title, const std::string &text)

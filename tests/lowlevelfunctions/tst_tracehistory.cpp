@@ -60,22 +60,36 @@ protected:
     const std::unique_ptr<TraceHistory> m_history = std::make_unique<TraceHistory>();
 };
 
-TEST_F(TraceHistories, ALineHasTheThreadTheLocalTimeTheMessageAndThePosition)
+std::string wallClockNow()
 {
-    const auto second = [] {
-        const std::time_t now = std::time(nullptr);
-        char text[32];
-        std::strftime(text, sizeof text, "%Y/%m/%d-%H:%M:%S", std::localtime(&now));
-        return std::string(text);
-    };
-    const std::string before = second();
-    add("x");
-    const std::string line = text();
-    EXPECT_EQ(line.substr(0, 11), thisThread() + " - ");
-    EXPECT_GE(line.substr(11, before.size()), before);
-    EXPECT_LE(line.substr(11, before.size()), second());
-    EXPECT_EQ(withoutNumbers(line), layout("x\n"));
+    timespec now{};
+    clock_gettime(CLOCK_REALTIME, &now);
+    char text[32];
+    const std::size_t length =
+        std::strftime(text, sizeof text, "%Y/%m/%d-%H:%M:%S", std::localtime(&now.tv_sec));
+    snprintf(text + length, sizeof text - length, ".%03d", static_cast<int>(now.tv_nsec / 1'000'000));
+    return text;
+}
 
+TEST_F(TraceHistories, ALineHasTheLocalTimeToTheMillisecond)
+{
+    for (std::size_t lines = 1; lines <= 2; ++lines) {
+        const std::string before = wallClockNow();
+        add("x");
+        const std::string after = wallClockNow();
+        const std::string stamp = text().substr((lines - 1) * layout("x\n").size() + 11, before.size());
+        EXPECT_GE(stamp, before);
+        EXPECT_LE(stamp, after);
+        const std::string second = before.substr(0, 19);
+        EXPECT_TRUE(platform::tests::eventually([&] { return wallClockNow().substr(0, 19) > second; }));
+    }
+}
+
+TEST_F(TraceHistories, ALineHasTheThreadTheMessageAndThePosition)
+{
+    add("x");
+    EXPECT_EQ(text().substr(0, 11), thisThread() + " - ");
+    EXPECT_EQ(withoutNumbers(text()), layout("x\n"));
     EXPECT_EQ(noted("dir/100%d.cpp", -7, "%s=%c", "a", 'b'),
               layout("a=b" + blanks + "(file dir/000%d.cpp,line -0)\n"));
     EXPECT_EQ(noted("a.cpp", 2147483647, "abc\n"),
@@ -223,16 +237,29 @@ TEST_F(TraceHistories, AThreadThatDiedWithTheLockCostsADumpNoMoreThanASecond)
     m_history->release();
 }
 
+// Before the static objects of the library: the history is made for this line.
+int s_errorAfterEarlyLine = 0;
+[[gnu::constructor(101)]] void noteEarly()
+{
+    setenv("TZ", ":/nowhere/at/all", 1);
+    errno = EINTR;
+    logHistory(nullptr, 0, "%s", "early");
+    s_errorAfterEarlyLine = errno;
+}
+
 TEST_F(TraceHistories, TheProcessHasOneThatEndsInTheSystemLog)
 {
     if (std::filesystem::exists("/var/appdata"))
         GTEST_SKIP() << "an instrument's crash log is left alone";
+    EXPECT_EQ(s_errorAfterEarlyLine, EINTR);
     logHistory("a.cpp", 3, "value %d", 4);
     logHistory("a.cpp", 3, "%d", 0); // a null list, as the compiler sees it
+    errno = EINTR;
     dumpLogHistory();
+    EXPECT_EQ(errno, EINTR);
     EXPECT_EQ(messagesIn("GYX-syslog-0.log").size(), 2U);
     EXPECT_EQ(withoutNumbers(textOf(traceHistory())),
-              layout("value 0" + blanks + "(file a.cpp,line 0)\n")
+              layout("early\n") + layout("value 0" + blanks + "(file a.cpp,line 0)\n")
                   + layout("0" + blanks + "(file a.cpp,line 0)\n"));
 }
 

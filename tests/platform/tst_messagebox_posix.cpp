@@ -51,11 +51,14 @@ TEST_F(MessageBoxOnPosix, helperGetsTheTextsAndGivesTheAnswer)
     EXPECT_EQ(m_standardError, "title: text\n") << "who says that has not shown it";
 }
 
-TEST_F(MessageBoxOnPosix, textTooLongForTheSystemIsCut)
+TEST_F(MessageBoxOnPosix, textTooLongForTheSystemLosesItsMiddle)
 {
     makeHelper("printf '%s' \"$2\" > \"${0%/*}/seen\"; echo abort");
-    EXPECT_EQ(show(std::string(131'072, 'x')), BoxAnswer::Abort);
-    EXPECT_EQ(contentOf(m_folder / "seen"), std::string(102'400, 'x') + "... (cut)");
+    const std::string half(51'200, 'x');
+    EXPECT_EQ(show(half + std::string(30'000, '-') + std::string(half.size() - 10, 'y') + '\0' + "question?"),
+              BoxAnswer::Abort);
+    EXPECT_EQ(contentOf(m_folder / "seen"),
+              half + "\n... (cut) ...\n" + std::string(half.size() - 10, 'y') + " question?");
 }
 
 TEST_F(MessageBoxOnPosix, closedStandardErrorDoesNotEndTheHost)

@@ -88,7 +88,10 @@ TEST_F(Assertions, AreOnlyLoggedUnlessBothPropertiesWantAQuestion)
     setLowlevelIntegerProperty(hasGraphicalGui, 0);
     fail("100%% %d%s%n", "%", nullptr, 5);
     const std::string logged = "a.cpp(5): ++++ Debug Assertion Failed: x;why";
-    EXPECT_EQ(log(), (Lines{logged, logged, logged, "++++ Debug Assertion Failed: 100% 0(null);%"}));
+    gyxAssert(QStringLiteral("a\0b"), QStringLiteral("\0c"), nullptr, 0);
+    EXPECT_EQ(log(),
+              (Lines{logged, logged, logged, "++++ Debug Assertion Failed: 100% 0(null);%",
+                     "++++ Debug Assertion Failed: a b; c"}));
     EXPECT_EQ(shownInBox(), "");
     setBoxAnswer("ignore");
     for (const int present : {-1, 2}) {
