@@ -2,6 +2,7 @@
 #include "lowlevelfunctions/daemonlink.h"
 #include "lowlevelfunctions/lowlevelproperties.h"
 #include "lowlevelfunctions/systemlog.h"
+#include "lowlevelfunctions/tracehistory.h"
 
 namespace Zorvan {
 
@@ -15,8 +16,10 @@ class LoadSequence
 public:
     LoadSequence()
     {
+        analysis::registerForkHandlers(); // before all others
         registerLowlevelForkHandlers();
         daemonLink();
+        traceHistory();
         loadLowlevelProperties();
         analysis::start();
     }

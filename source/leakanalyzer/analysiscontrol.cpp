@@ -4,6 +4,7 @@
 #include "leakanalyzer/insideanalyzer.h"
 #include "leakanalyzer/leaktracker.h"
 #include "leakanalyzer/methodtiming.h"
+#include "leakanalyzer/newblocks.h"
 #include "lowlevelfunctions/lowlevelproperties.h"
 #include "platform/process.h"
 
@@ -32,8 +33,9 @@ public:
     {
         int value = m_value.load(std::memory_order_relaxed);
         if (value == notRead) {
-            value = lowlevelProperty(m_property, 0);
-            m_value.store(value, std::memory_order_relaxed);
+            const int stored = lowlevelProperty(m_property, 0);
+            if (m_value.compare_exchange_strong(value, stored)) // else somebody has set another one meanwhile
+                value = stored;
         }
         return value;
     }
@@ -57,6 +59,8 @@ CachedProperty s_startupAnalysis{LowlevelProperty::analyzingOnStartup};
 
 void holdForFork() ZORVAN_NO_THREAD_SAFETY_ANALYSIS
 {
+    if (!isRunning())
+        return;
     analyzerLock().lock();
     holdReleasesForFork();
     holdOutputForFork();
@@ -64,6 +68,8 @@ void holdForFork() ZORVAN_NO_THREAD_SAFETY_ANALYSIS
 
 void release() ZORVAN_NO_THREAD_SAFETY_ANALYSIS
 {
+    if (!isRunning())
+        return;
     releaseOutput();
     releaseReleases();
     analyzerLock().unlock();
@@ -71,6 +77,8 @@ void release() ZORVAN_NO_THREAD_SAFETY_ANALYSIS
 
 void releaseInChild() ZORVAN_NO_THREAD_SAFETY_ANALYSIS
 {
+    if (!isRunning())
+        return;
     releaseOutputInChild();
     releaseReleases();
     analyzerLock().unlock();
@@ -85,6 +93,12 @@ simpleCASMutex &analyzerLock()
     return *lock;
 }
 
+void registerForkHandlers()
+{
+    prepareNewBlocks(); // whose lock may be taken under the others
+    platform::aroundFork(holdForFork, release, releaseInChild);
+}
+
 void start()
 {
     if (s_toolsEnabled.value() != 1 || isRunning())
@@ -94,7 +108,6 @@ void start()
         const InsideAnalyzer guard;
         prepareTiming();
         prepareLeakTracking();
-        platform::aroundFork(holdForFork, release, releaseInChild);
     }
     detail::s_isRunning.store(true, std::memory_order_release);
     if (s_startupAnalysis.value() != 1)

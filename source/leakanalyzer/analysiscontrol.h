@@ -22,6 +22,11 @@ extern std::atomic<bool> s_isRunning;
 /// holds the lock of its own measurements may take it, never the other way round.
 [[nodiscard]] simpleCASMutex &analyzerLock();
 
+/// Makes the analyzer survive fork(). Called once, when the library is loaded, and before any other handlers
+/// of that kind are registered: its locks are then the last to be held and the first to be released, and the
+/// others may allocate, also in a host whose operator new comes here.
+void registerForkHandlers();
+
 /// Starts the analyzer if the properties say so. Called once, when the library is loaded.
 void start();
 

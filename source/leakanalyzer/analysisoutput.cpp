@@ -1,11 +1,10 @@
 #include "leakanalyzer/analysisoutput.h"
 
-#include "leakanalyzer/insideanalyzer.h"
 #include "platform/lock.h"
 
 #include <atomic>
 #include <cstdio>
-#include <string>
+#include <cstdlib>
 
 namespace Zorvan::analysis {
 
@@ -20,8 +19,7 @@ public:
     {
         const platform::Locked guard(m_mutex);
         m_handler.store(handler);
-        while (isElsewhere([handler](const Delivery &delivery) { return delivery.m_handler != handler; }))
-            m_delivered.wait(m_mutex);
+        waitFor([handler](const Delivery &delivery) { return delivery.m_handler != handler; });
     }
 
     void takeOver(IAnalysisOutputInterface *handler)
@@ -35,14 +33,14 @@ public:
         const platform::Locked guard(m_mutex);
         if (m_handler.load(std::memory_order_relaxed) == handler)
             m_handler.store(nullptr);
-        while (isElsewhere([handler](const Delivery &delivery) { return delivery.m_handler == handler; }))
-            m_delivered.wait(m_mutex);
+        waitFor([handler](const Delivery &delivery) { return delivery.m_handler == handler; });
     }
 
     void begin(Delivery &delivery)
     {
         const platform::Locked guard(m_mutex);
         delivery.m_handler = m_handler.load(std::memory_order_relaxed);
+        delivery.m_number = ++m_lastNumber;
         delivery.m_next = m_deliveries;
         m_deliveries = &delivery;
     }
@@ -72,12 +70,24 @@ public:
     }
 
 private:
-    /// Whether another thread is in a delivery of that kind.
+    /// Until the deliveries of a kind that are in progress now have ended. Not from within a delivery: two
+    /// handlers that take themselves away would wait for each other.
     template <typename Kind>
-    bool isElsewhere(Kind isOfKind) const ZORVAN_REQUIRES(m_mutex)
+    void waitFor(Kind isOfKind) ZORVAN_REQUIRES(m_mutex)
+    {
+        const std::uint64_t last = m_lastNumber;
+        const void *const thread = platform::currentThreadId();
+        if (has([thread](const Delivery &delivery) { return delivery.m_thread == thread; }))
+            return;
+        while (has([&](const Delivery &delivery) { return delivery.m_number <= last && isOfKind(delivery); }))
+            m_delivered.wait(m_mutex);
+    }
+
+    template <typename Kind>
+    [[nodiscard]] bool has(Kind isOfKind) const ZORVAN_REQUIRES(m_mutex)
     {
         for (const Delivery *delivery = m_deliveries; delivery != nullptr; delivery = delivery->m_next) {
-            if (delivery->m_thread != platform::currentThreadId() && isOfKind(*delivery))
+            if (isOfKind(*delivery))
                 return true;
         }
         return false;
@@ -87,6 +97,7 @@ private:
     platform::WaitCondition m_delivered;
     std::atomic<IAnalysisOutputInterface *> m_handler{nullptr}; // written with the lock held
     Delivery *m_deliveries ZORVAN_GUARDED_BY(m_mutex) = nullptr;
+    std::uint64_t m_lastNumber ZORVAN_GUARDED_BY(m_mutex) = 0; // of a delivery
 };
 
 namespace {
@@ -98,17 +109,34 @@ OutputHandler &outputHandler()
     return *handler;
 }
 
-std::string formatted(const char *format, va_list arguments)
+/// A formatted text. One that is too long for the memory there is, is cut.
+class FormattedText
 {
-    va_list again;
-    va_copy(again, arguments);
-    const int length = std::vsnprintf(nullptr, 0, format, again);
-    va_end(again);
-    std::string text(length < 0 ? 0 : static_cast<std::size_t>(length), '\0');
-    if (!text.empty())
-        std::vsnprintf(text.data(), text.size() + 1, format, arguments);
-    return text;
-}
+public:
+    FormattedText(const char *format, va_list arguments)
+    {
+        va_list again;
+        va_copy(again, arguments);
+        const int length = std::vsnprintf(m_short, sizeof m_short, format, again);
+        va_end(again);
+        if (length < 0)
+            m_short[0] = '\0';
+        const std::size_t bytes = length < 0 ? 1 : static_cast<std::size_t>(length) + 1;
+        if (bytes > sizeof m_short)
+            m_long = static_cast<char *>(std::malloc(bytes));
+        if (m_long != nullptr)
+            std::vsnprintf(m_long, bytes, format, arguments);
+    }
+    ~FormattedText() { std::free(m_long); }
+    FormattedText(const FormattedText &) = delete;
+    FormattedText &operator=(const FormattedText &) = delete;
+
+    [[nodiscard]] const char *text() const { return m_long != nullptr ? m_long : m_short; }
+
+private:
+    char m_short[512];
+    char *m_long = nullptr;
+};
 
 } // namespace
 
@@ -147,15 +175,11 @@ void emitText(const char *source, int line, const char *format, ...)
 {
     if (!hasOutputHandler())
         return;
-    std::string text;
-    {
-        const InsideAnalyzer guard;
-        va_list arguments;
-        va_start(arguments, format);
-        text = formatted(format, arguments);
-        va_end(arguments);
-    }
-    deliver([&](IAnalysisOutputInterface &handler) { handler.textOutput(source, line, text.c_str()); });
+    va_list arguments;
+    va_start(arguments, format);
+    const FormattedText text(format, arguments);
+    va_end(arguments);
+    deliver([&](IAnalysisOutputInterface &handler) { handler.textOutput(source, line, text.text()); });
 }
 
 void holdOutputForFork() ZORVAN_NO_THREAD_SAFETY_ANALYSIS

@@ -2,17 +2,20 @@
 
 #include <zorvan/debug.h>
 
+#include <cstdint>
+
 /// Where the results of the analysis tools go: to the handler that the host installed, or nowhere.
 ///
 /// Any thread, with none of the analyzer's locks held. The handler is called in the thread that has something
 /// to tell, in several threads at once if need be.
 namespace Zorvan::analysis {
 
-/// Returns when no other thread is inside an earlier handler any more.
+/// Returns when no other thread is inside an earlier handler any more; at once from within a handler.
 void setOutputHandler(IAnalysisOutputInterface *handler);
 /// The same without waiting, for the thread that an earlier handler may be waiting for.
 void takeOverOutput(IAnalysisOutputInterface *handler);
-/// Takes the handler away, if it is the one installed. Returns when no other thread is inside it any more.
+/// Takes the handler away, if it is the one installed. Returns when no other thread is inside it any more; at
+/// once from within a handler.
 void removeOutputHandler(IAnalysisOutputInterface *handler);
 /// Whether there is anybody to tell.
 [[nodiscard]] bool hasOutputHandler();
@@ -39,6 +42,7 @@ private:
     const void *m_thread;
     IAnalysisOutputInterface *m_handler = nullptr;
     Delivery *m_next = nullptr; // of all in progress
+    std::uint64_t m_number = 0;
 };
 
 /// Calls \a call with the present handler, if there is one.

@@ -103,12 +103,12 @@ void calibrate()
              static_cast<long long>(skipped - calls), static_cast<long long>(enabled - calls));
 
     const Overheads overheads = measureOverheads();
+    const long long measured = overheads.measuredInside + overheads.measuredBeside;
     emitText(
         outputSource, __LINE__,
         "****************************** %lld overhead first call, %lld overhead avg calls, %lld overhead "
         "measured\n",
-        static_cast<long long>(overheads.firstCall), static_cast<long long>(overheads.averageCall),
-        static_cast<long long>(overheads.measuredInside + overheads.measuredBeside));
+        static_cast<long long>(overheads.firstCall), static_cast<long long>(overheads.averageCall), measured);
 }
 
 } // namespace Zorvan::analysis

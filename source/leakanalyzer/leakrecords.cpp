@@ -1,5 +1,6 @@
 #include "leakanalyzer/leakrecords.h"
 
+#include "leakanalyzer/plainmemory.h"
 #include "leakanalyzer/sourcenames.h"
 #include "platform/processor.h"
 
@@ -13,6 +14,8 @@ namespace {
 constexpr int triesBeforeLock = 100;
 constexpr int firstPause = 4; // calls of spinPause()
 constexpr int longestPause = 256;
+
+const char *const unknownSource = "unknown"; // no memory for the name
 
 int wrapped(std::int64_t value)
 {
@@ -56,8 +59,12 @@ const char *LeakRecords::sourceOf(const char *file)
 {
     const auto address = reinterpret_cast<std::uintptr_t>(file);
     KnownName &known = m_names[(address ^ (address >> 6)) % m_names.size()];
-    if (known.file != file)
-        known = {file, nameCopy(file)};
+    if (known.file != file) {
+        const char *const copy = nameCopy(file);
+        if (copy == nullptr)
+            return unknownSource; // this time: there may be memory for the name when it is used again
+        known = {file, copy};
+    }
     return known.copy;
 }
 
@@ -138,7 +145,7 @@ LeakStatistics LeakRecords::statistics()
 
 LeakRecords &leakRecords()
 {
-    static auto *const records = new LeakRecords; // never destroyed: blocks are freed until the very end
+    static auto *const records = makeLasting<LeakRecords>(); // blocks are freed until the very end
     return *records;
 }
 

@@ -104,6 +104,10 @@ void dumpLeaks(const char *sourceFilter)
     if (snapshot.blocks == 0)
         emitText(outputSource, __LINE__,
                  "------------------------------ no memory leaks in tracked code found\n");
+    else if (snapshot.groups == nullptr)
+        emitText(outputSource, __LINE__,
+                 "------------------------------ not enough memory to list the %d blocks that are alive\n",
+                 static_cast<int>(snapshot.blocks));
     else
         emitGroups(snapshot, sourceFilter);
     emitStatistics(snapshot.statistics);

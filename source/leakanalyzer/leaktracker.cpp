@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <optional>
 
 namespace Zorvan::analysis {
 
@@ -20,7 +21,8 @@ std::atomic<unsigned> s_releaseWork{0};
 
 void *allocateRecorded(std::size_t size, const char *file, int line, bool useNew)
 {
-    void *const block = useNew ? newBlock(size) : std::malloc(size);
+    // From within operator new of a host that gets its memory here, another new would never end.
+    void *const block = useNew && !InsideAnalyzer::isActive() ? newBlock(size) : std::malloc(size);
     if (file == nullptr || !s_memoryTracked.load(std::memory_order_acquire) || InsideAnalyzer::isActive())
         return block;
     LeakRecords &records = leakRecords();
@@ -54,7 +56,9 @@ void *reallocate(void *old, std::size_t size, const char *file, int line)
     void *const block = allocate(size, file, line, false);
     if (block == nullptr || old == nullptr)
         return block;
-    const std::size_t oldSize = newBlockSize(old).value_or(platform::usableBytes(old));
+    const std::optional<std::size_t> newSize = newBlockSize(old);
+    // Only malloc() may be asked: a host's operator new may return the middle of a block.
+    const std::size_t oldSize = newSize ? *newSize : platform::usableBytes(old);
     std::memcpy(block, old, std::min(size, oldSize));
     freeBlock(old);
     return block;

@@ -22,7 +22,8 @@ void freeWithWork(void *block, unsigned work);
 } // namespace detail
 
 /// Allocates with malloc(), or with operator new if \a useNew, and records the block if \a file is not null.
-/// Null if there is no memory.
+/// Null if there is no memory. For a host whose operator new ends here again, it is malloc() on the second
+/// time.
 [[nodiscard]] inline void *allocate(std::size_t size, const char *file, int line, bool useNew)
 {
     if (!useNew && !detail::s_memoryTracked.load(std::memory_order_acquire))

@@ -11,9 +11,12 @@ namespace {
 
 constexpr std::size_t firstCapacity = 1024;
 constexpr std::size_t largePageBytes = 2 * 1024 * 1024;
-// A table is fuller than this only when it cannot grow.
+// A table is fuller than this only when it cannot grow...
 constexpr std::size_t fillNumerator = 5;
 constexpr std::size_t fillDenominator = 8;
+// ...and never fuller than this: a search in a full one looks at all its places, with a lock held.
+constexpr std::size_t mostNumerator = 15;
+constexpr std::size_t mostDenominator = 16;
 
 /// Spreads addresses over 64 bits, the upper ones best. Blocks are at least 16 bytes apart.
 std::uint64_t spread(BlockKey key)
@@ -96,12 +99,13 @@ void LiveBlocks::clear()
     m_count = 0;
 }
 
-/// One place always stays empty: it ends the searches.
+/// Some places always stay empty: they end the searches.
 bool LiveBlocks::makeRoom()
 {
     if ((m_count + 1) * fillDenominator <= m_capacity * fillNumerator)
         return true;
-    return resize(m_capacity == 0 ? firstCapacity : 2 * m_capacity) || m_count + 1 < m_capacity;
+    return resize(m_capacity == 0 ? firstCapacity : 2 * m_capacity)
+        || (m_count + 1) * mostDenominator <= m_capacity * mostNumerator;
 }
 
 bool LiveBlocks::resize(std::size_t capacity)

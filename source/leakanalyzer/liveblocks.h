@@ -37,7 +37,8 @@ public:
 
     /// Null if the address is not known. Valid until the table changes.
     [[nodiscard]] LiveBlock *find(BlockKey key);
-    /// A known address keeps its record, with one repetition more. False: no memory, nothing was entered.
+    /// A known address keeps its record, with one repetition more. False: the table is nearly full and there
+    /// is no memory for a larger one; nothing was entered.
     bool enter(const LiveBlock &block);
     /// \a block comes from find().
     void remove(LiveBlock *block);

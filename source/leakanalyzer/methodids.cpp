@@ -3,10 +3,9 @@
 #include "leakanalyzer/analysiscontrol.h"
 #include "leakanalyzer/insideanalyzer.h"
 #include "leakanalyzer/methodtiming.h"
+#include "leakanalyzer/plainmemory.h"
 
 #include <cstring>
-#include <memory>
-#include <vector>
 
 namespace Zorvan::analysis {
 
@@ -28,8 +27,8 @@ class SourceTable
 {
 public:
     /// \a outgrown may still be read by others, and is kept.
-    SourceTable(unsigned bits, std::unique_ptr<const SourceTable> outgrown)
-        : m_outgrown(std::move(outgrown))
+    SourceTable(unsigned bits, const SourceTable *outgrown)
+        : m_outgrown(outgrown)
         , m_bits(bits)
         , m_sources(std::size_t{1} << bits)
     {
@@ -76,10 +75,10 @@ private:
         return (place + 1) & (m_sources.size() - 1);
     }
 
-    const std::unique_ptr<const SourceTable> m_outgrown;
+    const SourceTable *const m_outgrown;
     const unsigned m_bits;
     std::size_t m_used = 0; // only whoever adds looks at it
-    std::vector<Source> m_sources; // never more than half full
+    PlainVector<Source> m_sources; // never more than half full
 };
 
 std::atomic<SourceTable *> s_sources{nullptr}; // replaced with the analyzer lock held; never destroyed
@@ -96,7 +95,7 @@ SourceTable &tableWithRoom() ZORVAN_REQUIRES(analyzerLock())
     SourceTable *sources = s_sources.load(std::memory_order_relaxed);
     if (sources == nullptr || sources->isFull()) {
         const unsigned bits = sources == nullptr ? firstTableBits : sources->bits() + 1;
-        sources = new SourceTable(bits, std::unique_ptr<const SourceTable>(sources));
+        sources = makeLasting<SourceTable>(bits, sources);
         s_sources.store(sources, std::memory_order_release);
     }
     return *sources;
@@ -127,7 +126,12 @@ int makeMethodId(const char *file, int line)
 {
     if (!isTimeTracked() || InsideAnalyzer::isActive())
         return -1;
-    return static_cast<int>(static_cast<unsigned>(line) + static_cast<unsigned>(sourceIndex(file)) * 65536U);
+    try {
+        return static_cast<int>(static_cast<unsigned>(line)
+                                + static_cast<unsigned>(sourceIndex(file)) * 65536U);
+    } catch (const std::bad_alloc &) {
+        return -1;
+    }
 }
 
 } // namespace Zorvan::analysis

@@ -30,8 +30,14 @@ constexpr int unknownMethodLine = 1007;
 std::atomic<bool> s_calibrationPending{true};
 ZORVAN_THREAD_WORD unsigned s_ownSuspensions = 0;
 
+ZORVAN_THREAD_WORD bool s_isReporting = false;
+
+/// Faults of a handler that is just being told of one are its own.
 void report(const PairingFaults &faults)
 {
+    if (s_isReporting)
+        return;
+    s_isReporting = true;
     if (faults.tooManyStarts)
         emitText(pairingSource, tooManyStartsLine,
                  "++++++++++++++++++++++++ wrong startMethod / endMethod pairing, resetting! "
@@ -44,6 +50,16 @@ void report(const PairingFaults &faults)
         emitText(pairingSource, unknownMethodLine,
                  "++++++++++++++++++++++++ unknown endMethod ID given, no measurement "
                  "++++++++++++++++++++++++\n");
+    s_isReporting = false;
+}
+
+/// Without memory for it a method is not measured, nor told.
+template <typename Work>
+void doIfThereIsMemory(Work work)
+{
+    try {
+        work();
+    } catch (const std::bad_alloc &) {}
 }
 
 } // namespace
@@ -53,12 +69,12 @@ void startMethod(unsigned id, const char *file, int line, const char *methodName
     if (!isTimeTracked() || InsideAnalyzer::isActive())
         return;
     const std::uint64_t stamp = platform::cycleCounter();
-    ThreadRecord &record = ThreadRecord::ofThisThread();
     PairingFaults faults;
-    {
+    doIfThereIsMemory([&] {
+        ThreadRecord &record = ThreadRecord::ofThisThread();
         const platform::Locked guard(record.lock());
         faults = record.start({id, file, line, methodName}, stamp);
-    }
+    });
     if (faults.any())
         report(faults);
 }
@@ -83,7 +99,9 @@ void setTimeTracking(int state)
 {
     if (!isRunning())
         return;
-    if (state == 1 && s_calibrationPending.exchange(false)) {
+    const bool isSuspended =
+        Zorvan::detail::timeTracking.load() >= oneSuspension; // the calibration would measure nothing
+    if (state == 1 && !isSuspended && s_calibrationPending.exchange(false)) {
         Zorvan::detail::timeTracking.fetch_or(switchedOn);
         calibrate();
         Zorvan::detail::timeTracking.fetch_and(~switchedOn);
@@ -126,7 +144,7 @@ void clearTimes()
     if (!isRunning())
         return;
     const SuspendedTiming suspended;
-    clearThreadRecords();
+    doIfThereIsMemory(clearThreadRecords);
 }
 
 void prepareTiming()

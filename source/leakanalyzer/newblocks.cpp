@@ -3,6 +3,7 @@
 #include "leakanalyzer/insideanalyzer.h"
 #include "leakanalyzer/leaktracker.h"
 #include "leakanalyzer/liveblocks.h"
+#include "leakanalyzer/plainmemory.h"
 #include "platform/lock.h"
 #include "platform/process.h"
 
@@ -25,12 +26,12 @@ void letGo() ZORVAN_NO_THREAD_SAFETY_ANALYSIS;
 NewBlocks *makeNewBlocks()
 {
     platform::aroundFork(hold, letGo, letGo);
-    return new NewBlocks;
+    return makeLasting<NewBlocks>();
 }
 
 NewBlocks &newBlocks()
 {
-    static auto *const blocks = makeNewBlocks(); // never destroyed: blocks are freed until the very end
+    static auto *const blocks = makeNewBlocks(); // blocks are freed until the very end
     return *blocks;
 }
 
@@ -57,6 +58,11 @@ bool remember(const void *block, std::size_t size)
 }
 
 } // namespace
+
+void prepareNewBlocks()
+{
+    newBlocks();
+}
 
 void *newBlock(std::size_t size)
 {

@@ -7,6 +7,10 @@
 /// whether or not allocations are recorded. Any thread.
 namespace Zorvan::analysis {
 
+/// Makes the table and has fork() keep its lock. Call it before the analyzer has fork() keep its own: what
+/// comes first is locked last, and this lock may be taken by who holds the analyzer's.
+void prepareNewBlocks();
+
 /// A block of operator new; null if there is no memory.
 [[nodiscard]] void *newBlock(std::size_t size);
 /// Its size, if \a block is such a block.

@@ -1,6 +1,6 @@
 #include "leakanalyzer/sourcenames.h"
 
-#include "leakanalyzer/insideanalyzer.h"
+#include "leakanalyzer/plainmemory.h"
 
 #include <cstdlib>
 #include <cstring>
@@ -10,11 +10,12 @@ namespace Zorvan::analysis {
 
 namespace {
 
-using NameTable = std::unordered_map<const char *, const char *>;
+using NameTable = std::unordered_map<const char *, const char *, std::hash<const char *>, std::equal_to<>,
+                                     PlainMemory<std::pair<const char *const, const char *>>>;
 
 NameTable &nameTable() ZORVAN_REQUIRES(analyzerLock())
 {
-    static auto *const table = new NameTable; // never destroyed: methods are measured until the very end
+    static auto *const table = makeLasting<NameTable>(); // methods are measured until the very end
     return *table;
 }
 
@@ -34,11 +35,14 @@ const char *nameCopy(const char *text)
 {
     if (text == nullptr)
         return nullptr;
-    const InsideAnalyzer guard;
-    const char *&copy = nameTable()[text];
-    if (copy == nullptr)
-        copy = strdup(text);
-    return copy;
+    try {
+        const char *&copy = nameTable()[text];
+        if (copy == nullptr)
+            copy = strdup(text);
+        return copy;
+    } catch (const std::bad_alloc &) {
+        return nullptr;
+    }
 }
 
 bool passesFilter(const char *name, const char *filter)

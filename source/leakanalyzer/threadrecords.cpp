@@ -35,13 +35,13 @@ public:
     };
 
     /// An ended thread's record goes to the next thread with its number.
-    ThreadRecord &take(std::uint64_t thread) ZORVAN_REQUIRES(analyzerLock())
+    ThreadRecord &take(std::uint64_t thread, bool isAlive) ZORVAN_REQUIRES(analyzerLock())
     {
-        Entry &entry = m_threads[thread];
-        if (entry.record == nullptr)
-            entry.record = unusedRecord();
-        entry.isThreadAlive = true;
-        return *entry.record;
+        auto place = m_threads.find(thread);
+        if (place == m_threads.end())
+            place = m_threads.insert({thread, {unusedRecord(), isAlive}}).first;
+        place->second.isThreadAlive = isAlive;
+        return *place->second.record;
     }
 
     void markEnded(std::uint64_t thread) ZORVAN_REQUIRES(analyzerLock())
@@ -51,9 +51,9 @@ public:
             place->second.isThreadAlive = false;
     }
 
-    [[nodiscard]] std::vector<ThreadRecord *> records() const ZORVAN_REQUIRES(analyzerLock())
+    [[nodiscard]] PlainVector<ThreadRecord *> records() const ZORVAN_REQUIRES(analyzerLock())
     {
-        std::vector<ThreadRecord *> records;
+        PlainVector<ThreadRecord *> records;
         for (const auto &[thread, entry] : m_threads)
             records.push_back(entry.record);
         return records;
@@ -82,6 +82,7 @@ public:
             else
                 ++place;
         }
+        m_unused.clear(); // another thread may have been clearing them
         if (mine != nullptr)
             m_threads[thread] = {mine, true};
     }
@@ -90,24 +91,28 @@ private:
     ThreadRecord *unusedRecord()
     {
         if (m_unused.empty())
-            return new ThreadRecord;
+            return makeLasting<ThreadRecord>();
         ThreadRecord *const record = m_unused.back();
         m_unused.pop_back();
         return record;
     }
 
-    std::map<std::uint64_t, Entry> m_threads; // by the system's number
-    std::vector<ThreadRecord *> m_unused;
+    std::map<std::uint64_t, Entry, std::less<>, PlainMemory<std::pair<const std::uint64_t, Entry>>>
+        m_threads; // by the system's number
+    PlainVector<ThreadRecord *> m_unused;
 };
 
 Registry &registry() ZORVAN_REQUIRES(analyzerLock())
 {
-    static auto *const registry = new Registry; // never destroyed: methods are measured until the very end
+    static auto *const registry = makeLasting<Registry>(); // methods are measured until the very end
     return *registry;
 }
 
+ZORVAN_THREAD_WORD bool s_hasThreadEnded = false;
+
 /// Notices the end of its thread. Methods that are measured later, by destructors of other thread_local
-/// objects, register the thread anew.
+/// objects, register the thread anew: as one that has ended, since nothing tells when it really has. A clear
+/// may then give its record to another thread, too.
 class ThreadEnd
 {
 public:
@@ -115,6 +120,7 @@ public:
     ~ThreadEnd()
     {
         s_threadRecord = nullptr;
+        s_hasThreadEnded = true;
         const platform::Locked guard(analyzerLock());
         registry().markEnded(m_thread);
     }
@@ -129,7 +135,7 @@ private:
 
 thread_local ThreadEnd s_threadEnd;
 
-std::vector<ThreadRecord *> threadRecords()
+PlainVector<ThreadRecord *> threadRecords()
 {
     const platform::Locked guard(analyzerLock());
     return registry().records();
@@ -174,8 +180,8 @@ void MethodTable::clear()
 
 void MethodTable::resize(unsigned bits)
 {
+    m_places = PlainVector<Place>(std::size_t{1} << bits); // first: it may throw
     m_bits = bits;
-    m_places.assign(std::size_t{1} << bits, {});
     for (auto &[method] : m_methods) {
         std::size_t place = firstPlace(method.id);
         while (m_places[place].method != nullptr)
@@ -207,6 +213,7 @@ std::int64_t ThreadRecord::measureOneself(const char *methodName, std::uint64_t 
     oneself.startStamp = platform::cycleCounter();
     const auto cost = static_cast<std::int64_t>(oneself.startStamp - stamp);
     oneself.overheadCycles += cost;
+    putOffOpenMethods(cost);
     return cost;
 }
 
@@ -225,8 +232,7 @@ PairingFaults ThreadRecord::end(unsigned id, std::uint64_t stamp)
     }
     const std::uint64_t elapsed = stamp - method->startStamp;
     const std::uint64_t endStamp = platform::cycleCounter();
-    for (int depth = 1; depth <= m_depth; ++depth)
-        m_open[static_cast<std::size_t>(depth)]->startStamp += (endStamp - stamp) + elapsed;
+    putOffOpenMethods(static_cast<std::int64_t>((endStamp - stamp) + elapsed));
     method->overheadCycles += static_cast<std::int64_t>(endStamp - stamp);
     if (static_cast<std::int64_t>(elapsed) >= 0)
         method->totalCycles += static_cast<std::int64_t>(elapsed);
@@ -234,6 +240,13 @@ PairingFaults ThreadRecord::end(unsigned id, std::uint64_t stamp)
         method->totalCycles += method->overheadCycles / method->calls;
     method->startStamp = endStamp;
     return faults;
+}
+
+/// What the open methods are not to be charged with.
+void ThreadRecord::putOffOpenMethods(std::int64_t cycles)
+{
+    for (int depth = 1; depth <= m_depth; ++depth)
+        m_open[static_cast<std::size_t>(depth)]->startStamp += static_cast<std::uint64_t>(cycles);
 }
 
 MethodStatistics &ThreadRecord::enter(const MethodPosition &method, PairingFaults &faults)
@@ -282,7 +295,7 @@ void ThreadRecord::clear()
     m_depth = 0;
 }
 
-void ThreadRecord::appendTo(std::vector<MeasuredMethod> &methods) const
+void ThreadRecord::appendTo(PlainVector<MeasuredMethod> &methods) const
 {
     const std::uint64_t thread = m_thread;
     m_methods.visit([&](const MethodStatistics &method) { methods.push_back({thread, method}); });
@@ -294,11 +307,12 @@ ThreadRecord &detail::registerThisThread()
 {
     const InsideAnalyzer inside;
     const std::uint64_t thread = platform::kernelThreadId();
-    s_threadEnd.watch(thread);
+    if (!s_hasThreadEnded)
+        s_threadEnd.watch(thread);
     ThreadRecord *record = nullptr;
     {
         const platform::Locked guard(analyzerLock());
-        record = &registry().take(thread);
+        record = &registry().take(thread, !s_hasThreadEnded);
     }
     const platform::Locked guard(record->lock());
     record->setThread(thread);
@@ -307,10 +321,10 @@ ThreadRecord &detail::registerThisThread()
     return *record;
 }
 
-std::vector<MeasuredMethod> measuredMethods()
+PlainVector<MeasuredMethod> measuredMethods()
 {
     const InsideAnalyzer inside;
-    std::vector<MeasuredMethod> methods;
+    PlainVector<MeasuredMethod> methods;
     for (ThreadRecord *const record : threadRecords()) {
         const platform::Locked guard(record->lock());
         record->appendTo(methods);
@@ -324,7 +338,7 @@ std::vector<MeasuredMethod> measuredMethods()
 void clearThreadRecords()
 {
     const InsideAnalyzer inside;
-    std::vector<ThreadRecord *> records;
+    PlainVector<ThreadRecord *> records;
     {
         const platform::Locked guard(analyzerLock());
         records = registry().records();
@@ -342,13 +356,16 @@ void adoptRecordsInChild()
     const std::uint64_t thread = platform::kernelThreadId();
     if (s_threadRecord != nullptr && s_threadRecord->lock().isHeld())
         s_threadRecord = nullptr; // another thread was clearing it
-    {
+    try {
         const platform::Locked guard(analyzerLock());
         registry().keepInChild(s_threadRecord, thread);
+    } catch (const std::bad_alloc &) {
+        s_threadRecord = nullptr;
     }
     if (s_threadRecord == nullptr)
         return;
-    s_threadEnd.watch(thread);
+    if (!s_hasThreadEnded)
+        s_threadEnd.watch(thread);
     const platform::Locked guard(s_threadRecord->lock());
     s_threadRecord->setThread(thread);
 }

@@ -1,12 +1,12 @@
 #pragma once
 
 #include "leakanalyzer/analysiscontrol.h"
+#include "leakanalyzer/plainmemory.h"
 #include "platform/threadlocal.h"
 
 #include <array>
 #include <cstdint>
 #include <deque>
-#include <vector>
 
 /// What each thread has measured. A thread writes only its own record; reports and clears reach them all.
 namespace Zorvan::analysis {
@@ -96,8 +96,8 @@ private:
     void resize(unsigned bits);
 
     unsigned m_bits = 0;
-    std::vector<Place> m_places; // 2 to the power of m_bits, at most half of them used
-    std::deque<OwnLine> m_methods;
+    PlainVector<Place> m_places; // 2 to the power of m_bits, at most half of them used
+    std::deque<OwnLine, PlainMemory<OwnLine>> m_methods;
 };
 
 /// What was wrong with the order of starts and ends, to be told when no lock is held any more.
@@ -125,12 +125,12 @@ class alignas(64) ThreadRecord
 public:
     /// The calling thread's record; null if it has not started a method.
     [[nodiscard]] static ThreadRecord *current();
-    /// The same, made if need be.
+    /// The same, made if need be. Throws std::bad_alloc.
     [[nodiscard]] static ThreadRecord &ofThisThread();
 
     [[nodiscard]] RecordLock &lock() ZORVAN_RETURN_CAPABILITY(m_lock) { return m_lock; }
 
-    /// \a stamp: the counter when the start was asked for.
+    /// \a stamp: the counter when the start was asked for. Throws std::bad_alloc: it is not measured then.
     PairingFaults start(const MethodPosition &method, std::uint64_t stamp) ZORVAN_REQUIRES(m_lock);
     PairingFaults end(unsigned id, std::uint64_t stamp) ZORVAN_REQUIRES(m_lock);
     /// Null if there is none with that id.
@@ -139,7 +139,7 @@ public:
     void setThread(std::uint64_t number) ZORVAN_REQUIRES(m_lock) { m_thread = number; }
     void forgetOpenMethods() ZORVAN_REQUIRES(m_lock) { m_depth = 0; }
     void clear() ZORVAN_REQUIRES(m_lock);
-    void appendTo(std::vector<MeasuredMethod> &methods) const ZORVAN_REQUIRES(m_lock);
+    void appendTo(PlainVector<MeasuredMethod> &methods) const ZORVAN_REQUIRES(m_lock);
 
 private:
     static constexpr int maximumDepth = 99;
@@ -148,6 +148,7 @@ private:
         ZORVAN_REQUIRES(m_lock);
     MethodStatistics &enter(const MethodPosition &method, PairingFaults &faults) ZORVAN_REQUIRES(m_lock);
     void leave(PairingFaults &faults) ZORVAN_REQUIRES(m_lock);
+    void putOffOpenMethods(std::int64_t cycles) ZORVAN_REQUIRES(m_lock);
     MethodStatistics &added(const MethodPosition &method) ZORVAN_REQUIRES(m_lock);
 
     RecordLock m_lock;
@@ -174,8 +175,8 @@ inline ThreadRecord &ThreadRecord::ofThisThread()
     return record == nullptr ? detail::registerThisThread() : *record;
 }
 
-/// All methods of all threads, by thread and id.
-[[nodiscard]] std::vector<MeasuredMethod> measuredMethods();
+/// All methods of all threads, by thread and id. Throws std::bad_alloc.
+[[nodiscard]] PlainVector<MeasuredMethod> measuredMethods();
 void clearThreadRecords();
 /// For the child of a fork(): the forking thread goes on under another number, and what the others were just
 /// writing is given up.

@@ -25,10 +25,9 @@ struct Sums
 };
 
 /// The events of this process: none, since nothing in the library records any.
-const std::vector<TimedEvent> &timedEvents()
+const PlainVector<TimedEvent> &timedEvents()
 {
-    static const auto *const events =
-        new std::vector<TimedEvent>; // never destroyed: reports come until the end
+    static const auto *const events = makeLasting<PlainVector<TimedEvent>>(); // reports come until the end
     return *events;
 }
 
@@ -38,21 +37,21 @@ double averageCycles(const MeasuredMethod &method)
 }
 
 /// The rows of a report: the methods with a source that passes the filter, the longest on average first.
-std::vector<MeasuredMethod> rowsOf(const std::vector<MeasuredMethod> &methods, const char *sourceFilter)
+PlainVector<MeasuredMethod> rowsOf(const PlainVector<MeasuredMethod> &methods, const char *sourceFilter)
 {
     const InsideAnalyzer inside;
-    std::vector<MeasuredMethod> rows;
+    PlainVector<MeasuredMethod> rows;
     for (const MeasuredMethod &method : methods) {
         if (method.statistics.file != nullptr && passesFilter(method.statistics.file, sourceFilter))
             rows.push_back(method);
     }
-    std::stable_sort(rows.begin(), rows.end(), [](const MeasuredMethod &left, const MeasuredMethod &right) {
+    std::sort(rows.begin(), rows.end(), [](const MeasuredMethod &left, const MeasuredMethod &right) {
         return averageCycles(left) > averageCycles(right);
     });
     return rows;
 }
 
-Sums sumsOf(const std::vector<MeasuredMethod> &rows, const char *methodFilter)
+Sums sumsOf(const PlainVector<MeasuredMethod> &rows, const char *methodFilter)
 {
     Sums sums;
     for (const auto &[thread, method] : rows) {
@@ -102,7 +101,7 @@ void emitRow(int number, const MeasuredMethod &row, const char *methodFilter)
 
 } // namespace
 
-void reportEvents(const std::vector<TimedEvent> &events)
+void reportEvents(const PlainVector<TimedEvent> &events)
 {
     const TimedEvent *previous = nullptr;
     for (const TimedEvent &event : events) {
@@ -114,14 +113,11 @@ void reportEvents(const std::vector<TimedEvent> &events)
     }
 }
 
-// Works on copies: the handler may measure, clear and switch as it likes.
-void dumpTimes(const char *sourceFilter, const char *methodFilter)
+namespace {
+
+void reportTimes(const char *sourceFilter, const char *methodFilter)
 {
-    if (!isRunning())
-        return;
-    const SuspendedTiming suspended;
-    reportEvents(timedEvents());
-    const std::vector<MeasuredMethod> methods = measuredMethods();
+    const PlainVector<MeasuredMethod> methods = measuredMethods();
     if (methods.empty()) {
         emitText(outputSource, __LINE__,
                  "------------------------------ no time measurements in tracked code found.\n");
@@ -129,7 +125,7 @@ void dumpTimes(const char *sourceFilter, const char *methodFilter)
         emitComplete();
         return;
     }
-    const std::vector<MeasuredMethod> rows = rowsOf(methods, sourceFilter);
+    const PlainVector<MeasuredMethod> rows = rowsOf(methods, sourceFilter);
     emitSummary(sumsOf(rows, methodFilter));
     int number = 0;
     for (const MeasuredMethod &row : rows)
@@ -137,11 +133,38 @@ void dumpTimes(const char *sourceFilter, const char *methodFilter)
     emitComplete();
 }
 
+void emitNoMemory()
+{
+    emitText(outputSource, __LINE__, "------------------------------ no memory for the report\n");
+}
+
+} // namespace
+
+// Works on copies: the handler may measure, clear and switch as it likes.
+void dumpTimes(const char *sourceFilter, const char *methodFilter)
+{
+    if (!isRunning())
+        return;
+    const SuspendedTiming suspended;
+    reportEvents(timedEvents());
+    try {
+        reportTimes(sourceFilter, methodFilter);
+    } catch (const std::bad_alloc &) {
+        emitNoMemory();
+    }
+}
+
 void reportMethods(IAnalysisSummaryInterface *receiver)
 {
     if (receiver == nullptr || !isRunning())
         return;
-    for (const auto &[thread, method] : measuredMethods())
+    PlainVector<MeasuredMethod> methods;
+    try {
+        methods = measuredMethods();
+    } catch (const std::bad_alloc &) {
+        emitNoMemory();
+    }
+    for (const auto &[thread, method] : methods)
         receiver->methodInformation(method.file, method.line, method.name);
 }
 

@@ -1,8 +1,9 @@
 #pragma once
 
+#include "leakanalyzer/plainmemory.h"
+
 #include <cstdint>
 #include <string>
-#include <vector>
 
 namespace Zorvan::analysis {
 
@@ -18,6 +19,6 @@ struct TimedEvent
 };
 
 /// Hands the events to the output handler, with the cycles that lie between them.
-void reportEvents(const std::vector<TimedEvent> &events);
+void reportEvents(const PlainVector<TimedEvent> &events);
 
 } // namespace Zorvan::analysis

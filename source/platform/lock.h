@@ -18,7 +18,8 @@
 ///   9. channel table of the system log, then one channel (no host code, no Qt call under them)
 ///  10. low-level properties (leaf)
 /// The analyzer has an order of its own and takes none of the above: a thread's own measurements, the
-/// analyzer lock, the queue of releases; its output is handed out with none of them held.
+/// analyzer lock, then the queue of releases or the blocks of operator new (leaves); its output is handed out
+/// with none of them held.
 
 #include <atomic>
 #include <chrono>

@@ -1,5 +1,6 @@
 // A host that sends its global operators new and delete through the analyzer.
 
+#include "leakanalyzer/leakrecords.h"
 #include "leakrecorder.h"
 
 #include <zorvan/analysis.h>
@@ -14,13 +15,22 @@ namespace {
 std::atomic<int> s_made{0};
 std::atomic<int> s_deleted{0};
 std::atomic<void *> s_lastDeleted{nullptr};
+std::atomic<std::size_t> s_pendingAtDelete{0}; // releases
+std::atomic<bool> s_asksForNew{false};
+
+/// In front of each block: malloc() crashes on such a size when it is asked about the block.
+struct Header
+{
+    std::size_t sizes[2] = {0x4040404040404040, 0x4040404040404040};
+};
 
 } // namespace
 
 void *operator new(std::size_t size, const std::nothrow_t &) noexcept
 {
     ++s_made;
-    return xmalloc(size, "operator new", 1);
+    void *const memory = Zorvan::analysis::allocate(size + sizeof(Header), "operator new", 1, s_asksForNew);
+    return memory == nullptr ? nullptr : new (memory) Header + 1;
 }
 
 void *operator new(std::size_t size)
@@ -34,7 +44,10 @@ void operator delete(void *block) noexcept
 {
     ++s_deleted;
     s_lastDeleted = block;
-    xfree(block, "operator delete", 2);
+    if (Zorvan::analysis::isRunning())
+        s_pendingAtDelete = Zorvan::analysis::leakRecords().releases().count();
+    if (block != nullptr)
+        xfree(static_cast<Header *>(block) - 1, "operator delete", 2);
 }
 
 void operator delete(void *block, std::size_t) noexcept
@@ -91,6 +104,31 @@ TEST_F(LeakTest, blocksOfOperatorNewGoBackToOperatorDelete)
     }
     analysis::setMemoryTracking(1);
     EXPECT_EQ(recorder.leaks("new.cpp"), Lines());
+}
+
+TEST_F(LeakTest, releaseIsRecordedOnceAndBeforeOperatorDelete)
+{
+    void *const block = analysis::allocate(8, "new.cpp", 1, true); // works off the releases
+    analysis::freeBlock(block);
+    EXPECT_EQ(s_lastDeleted, block);
+    EXPECT_EQ(s_pendingAtDelete, 1U);
+    EXPECT_EQ(analysis::leakRecords().releases().count(), 1U);
+}
+
+TEST_F(LeakTest, operatorNewMayAskForBlocksOfOperatorNew)
+{
+    s_asksForNew = true;
+    const int before = analysis::trackedMemoryUsage();
+    const int made = s_made;
+    const int deleted = s_deleted;
+    void *const block = operator new(100);
+    EXPECT_EQ(s_made, made + 2);
+    EXPECT_EQ(analysis::trackedMemoryUsage(), before + 100 + static_cast<int>(sizeof(Header)));
+    operator delete(block);
+    EXPECT_EQ(s_deleted, deleted + 2);
+    leak(24);
+    EXPECT_EQ(analysis::trackedMemoryUsage(), before + 24);
+    s_asksForNew = false;
 }
 
 } // namespace

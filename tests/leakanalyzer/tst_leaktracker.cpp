@@ -1,3 +1,4 @@
+#include "leakanalyzer/leakrecords.h"
 #include "leakrecorder.h"
 
 #include <zorvan/debug.h>
@@ -122,18 +123,40 @@ TEST_F(LeakTest, countersAreExact)
     EXPECT_EQ(lastSix(recorder.report()), statistics(90, 1, 150, 2, 2, 1));
 }
 
+TEST_F(LeakTest, countersWrapAroundAt32Bits)
+{
+    LeakRecorder recorder;
+    constexpr analysis::BlockKey block = 16; // no memory behind it
+    const auto enter = [](analysis::BlockKey key, std::size_t size) {
+        const analysis::AnalyzerTurn turn;
+        analysis::leakRecords().enter(key, size, "data.cpp", 1);
+    };
+    for (analysis::BlockKey i = 0; i < 5; ++i)
+        enter(block + i, 1'000'000'000);
+    EXPECT_EQ(trackedMemoryUsage(), 705'032'704);
+    EXPECT_EQ(lastSix(recorder.report()), statistics(273'153'616, 4, 2'000'000'000, 5, 2, 0));
+    for (analysis::BlockKey i = 0; i < 5; ++i)
+        analysis::leakRecords().release(block + i);
+    EXPECT_EQ(recorder.report().front(), noLeaks);
+    EXPECT_EQ(trackedMemoryUsage(), 0);
+    analysis::clearLeaks();
+    enter(block, UINT32_MAX); // -1: half of that rounds towards zero
+    EXPECT_EQ(lastSix(recorder.report()), statistics(0, 0, 0, 1, 1, 0));
+}
+
 TEST_F(LeakTest, clearForgetsTheBlocksButNotTheirSum)
 {
     LeakRecorder recorder;
     void *const block = allocate(100);
+    freeBlock(allocate(7)); // not worked off before its block is forgotten
     analysis::clearLeaks();
     Lines expected = statistics(0, 0, 0, 0, 0, 0);
     expected.insert(expected.begin(), noLeaks);
     EXPECT_EQ(recorder.report(), expected);
     freeBlock(block);
     leak(10);
-    EXPECT_EQ(trackedMemoryUsage(), 110);
-    EXPECT_EQ(lastSix(recorder.report()), statistics(55, 1, 110, 2, 1, 1));
+    EXPECT_EQ(trackedMemoryUsage(), 117);
+    EXPECT_EQ(lastSix(recorder.report()), statistics(58, 1, 117, 3, 1, 1));
 }
 
 TEST_F(LeakTest, whatHappensWhileTrackingIsOffIsNotSeen)

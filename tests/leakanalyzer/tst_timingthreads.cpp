@@ -196,5 +196,54 @@ TEST_F(TimingThreads, allocationsOfTheAnalyzerAreNotMeasured)
     EXPECT_EQ(recorder.order, "tsc");
 }
 
+/// Does something with each text, and counts them.
+class ActiveHandler : public IAnalysisOutputInterface
+{
+public:
+    explicit ActiveHandler(std::function<void()> onText)
+        : m_onText(std::move(onText))
+    {}
+    void textOutput(const char *, int, const char *) override
+    {
+        ++texts;
+        m_onText();
+    }
+    void summary(int, qint64, qint64, qint64, quint64, quint64) override {}
+    void tableRow(int, const char *, quint64, int, quint64, qint64, qint64) override {}
+    void tableComplete() override {}
+
+    std::atomic<int> texts{0};
+
+private:
+    const std::function<void()> m_onText;
+};
+
+TEST_F(TimingThreads, handlersMayTakeThemselvesAwayInTwoThreadsAtOnce)
+{
+    std::atomic<int> inside{0};
+    ActiveHandler handler([&inside] {
+        ++inside;
+        while (inside < 2)
+            std::this_thread::yield();
+        analysis::setOutputHandler(nullptr);
+    });
+    analysis::setOutputHandler(&handler);
+    std::thread other([] { analysis::endMethod(1); });
+    analysis::endMethod(2);
+    other.join();
+    EXPECT_EQ(handler.texts, 2);
+    EXPECT_FALSE(analysis::hasOutputHandler());
+}
+
+TEST_F(TimingThreads, faultsOfAHandlerThatIsToldOfOneAreNotTold)
+{
+    ActiveHandler handler([] { analysis::endMethod(3); });
+    analysis::setOutputHandler(&handler);
+    analysis::endMethod(1);
+    analysis::endMethod(2);
+    EXPECT_EQ(handler.texts, 2);
+    analysis::setOutputHandler(nullptr);
+}
+
 } // namespace
 } // namespace Zorvan::test

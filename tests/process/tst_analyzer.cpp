@@ -24,10 +24,11 @@ protected:
                   tools + "=\n" + startup + "=\n-1=\n1=\n" + memory + "=\n" + time + "=\n");
     }
 
-    std::string run(const std::string &commands, const std::string &environment = "")
+    std::string run(const std::string &commands, const std::string &environment = "",
+                    const std::string &host = HOST)
     {
-        const auto child =
-            runChild(environment + " ZORVAN_PROGRAMDATA='" + m_root + "' timeout 100 " HOST " " + commands);
+        const auto child = runChild(environment + " ZORVAN_PROGRAMDATA='" + m_root + "' timeout 100 " + host
+                                    + ' ' + commands);
         EXPECT_EQ(child.exitCode, 0) << "signal " << child.signal;
         return child.output;
     }
@@ -95,6 +96,15 @@ TEST_F(Analyzer, WorksInChildrenThatAreForkedWhileOtherThreadsUseIt)
 {
     setProperties("1", "1", "1", "1");
     EXPECT_EQ(run("forks"), "failures 0\n");
+}
+
+TEST_F(Analyzer, ServesAHostThatSendsItsOperatorNewThroughIt)
+{
+    setProperties("1", "1", "1", "1");
+    EXPECT_EQ(run("forks", "", ROUTED_HOST), "failures 0\n");
+    EXPECT_EQ(run("nomemory", "", ROUTED_HOST),
+              "1 texts, ++++++++++++++++++++++++ unknown endMethod ID given, no measurement "
+              "++++++++++++++++++++++++\n");
 }
 
 } // namespace

@@ -45,7 +45,9 @@ ZORVAN_EXPORT void xfree(void *block, const char *file, int line);
 /// are not measured, and for the file "<disabled>".
 ZORVAN_EXPORT int make_id(const char *file, int line);
 /// Hands the texts and tables of the analysis tools to \a handler, null: to nobody. Returns when calls of the
-/// old handler in other threads have ended: it may be deleted then.
+/// old handler in other threads have ended: it may be deleted then. Not so from within a handler, where the
+/// call returns at once. Not to be called with a lock held that a handler may want, such as in an output
+/// receiver while a handler prints.
 ZORVAN_EXPORT void installanalysisMessageHandler(Zorvan::IAnalysisOutputInterface *handler);
 /// @}
 
