@@ -6,6 +6,7 @@
 #include "debug/normalizedname.h"
 #include "debug/outputfile.h"
 #include "debug/outputfilter.h"
+#include "debug/printing.h"
 #include "debugserverqueue/guibridge.h"
 #include "host/hosthandlers.h"
 #include "platform/errornumber.h"
@@ -196,8 +197,9 @@ std::optional<QStringView> printMessage(moduleId module, int cls, QStringView te
     return text;
 }
 
-/// println() for messages that the switches of their module do not refuse at once. The same parameters in the
-/// same places: the call is a jump.
+} // namespace
+
+// The same parameters in the same places as println() has: the call is a jump.
 [[gnu::noinline]] void printUnlessRefused(moduleId module, int cls, const QString &text, int level,
                                           int /*reserved*/, const char *file, int line)
 {
@@ -212,8 +214,6 @@ std::optional<QStringView> printMessage(moduleId module, int cls, QStringView te
     if (const std::optional<QStringView> rest = printMessage(module, cls, kept, level))
         logText(*rest, file, line);
 }
-
-} // namespace
 
 void Debug::println(moduleId module, int cls, const QString &text, int level, int reserved, const char *file,
                     int line)

@@ -3,6 +3,7 @@
 
 #include "debug/measurements.h"
 #include "debug/moduletable.h"
+#include "debug/printing.h"
 #include "leakanalyzer/analysiscontrol.h"
 #include "leakanalyzer/leaktracker.h"
 #include "leakanalyzer/methodtiming.h"
@@ -85,7 +86,7 @@ void println(moduleId module, int cls, const char *text, int level, int reserved
         return Debug::isActive(module, level, cls) || !Zorvan::ModuleTable::exists();
     };
     if (Zorvan::ModuleTable::quickSwitches().isActive(module, level, cls, atLength))
-        Debug::println(module, cls, QString::fromLatin1(text), level, reserved, file, line);
+        Zorvan::printUnlessRefused(module, cls, QString::fromLatin1(text), level, reserved, file, line);
 }
 
 void setOutputReceiver(moduleId module, void (*receiver)(hookData *)) noexcept

@@ -15,6 +15,7 @@ static int s_lines = 0;
 static hookData s_last;
 static char s_text[2048];
 static atomic_int s_hookCalls = 0;
+static ressourceInfo *volatile s_watches[2]; /* made once and kept */
 static atomic_int s_wrongHookCalls = 0;
 
 #define CHECK(condition) check(condition, #condition, __LINE__)
@@ -102,7 +103,8 @@ static void useHooks(void)
     activateHooks("firmware", "reset");
     activateHooks("firmware", NULL);
     activateHooks(NULL, NULL);
-    while (s_hookCalls < 2) {} /* each has a thread of its own */
+    for (int i = 0; s_hookCalls < 2 && i < 10000; ++i) /* each has a thread of its own */
+        waitMoment();
     removeCHookHandler(NULL, hook);
     removeCHookHandler("firmware", hook);
     activateHooks("firmware", "removed");
@@ -112,10 +114,11 @@ static void useHooks(void)
 static void useAllocations(void)
 {
     CHECK(analyzingToolsEnabled(-1) == 1 && analyzingToolsOnStartup(-1) == 1);
+    CHECK(analyzingToolsOnStartup(5) == 5 && analyzingToolsEnabled(-1) == 1);
     CHECK(getMemTrackState() == 1);
     setMemTrackState(0);
     CHECK(memTrackingEnabled(-1) == 0 && memTrackingEnabled(1) == 1);
-    ressourceInfo *const watch = createMeasurement(kernel, 0, info);
+    ressourceInfo *const watch = s_watches[0] = createMeasurement(kernel, 1, info);
     const uint64_t begin = startMeasurement(watch);
     char *const block = alloc(300, "firmware.c", 1, false, false);
     CHECK(block != NULL && getTrackedMemUsage() == 300);
@@ -124,12 +127,15 @@ static void useAllocations(void)
     CHECK(begin > 0 && ticks == 100);
     dumpRessources(watch);
     CHECK(endsWith(">: current timeallocated memory was 300 bytes, 100cycles needed"));
+    CHECK(s_last.messageClass == 1 && s_last.level == info);
     CHECK(startMeasurement(NULL) == 0 && stopMeasurement(NULL) == 0);
     dumpRessources(NULL);
     const int statistics = 6;
     int before = reportedTexts();
     dumpLeaks("firmware.c");
     CHECK(reportedTexts() == before + 1 + statistics);
+    dumpLeaks("other.c");
+    CHECK(reportedTexts() == before + 1 + 2 * statistics);
     release(block);
     before = reportedTexts();
     dumpLeaks(NULL);
@@ -160,13 +166,16 @@ static void useTiming(void)
     dumpTimes(NULL, NULL);
     CHECK(reportedRows() == rows);
     getInstruemntationInformations(NULL);
+    startMethod(0x80000000U + method, "firmware.c", 2, "useTiming");
+    CHECK(methodsToldToTheHost() > 0);
 }
 
 int useEveryExport(void)
 {
     CHECK(isActive(kernel, 1000, 0) && getClippingLevel(kernel) == 0); /* no table yet */
     println(kernel, 0, "before the start", 0, 0, NULL, -1);
-    CHECK(createMeasurement(kernel, 0, 0) != NULL);
+    s_watches[1] = createMeasurement(kernel, 0, 0);
+    CHECK(s_watches[1] != NULL);
     startHost();
     useDescriptions();
     usePrinting();

@@ -13,6 +13,10 @@ void stopHost(void);
 /** Reports of the analysis tools so far: texts, and rows of tables. */
 int reportedTexts(void);
 int reportedRows(void);
+/** How many methods the library tells a receiver of the host's about. */
+int methodsToldToTheHost(void);
+/** Gives other threads a millisecond. */
+void waitMoment(void);
 
 /** The C program. Returns how many of its checks failed. */
 int useEveryExport(void);

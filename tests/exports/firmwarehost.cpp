@@ -3,6 +3,10 @@
 #include "exports/firmware.h"
 #include "support/maphost.h"
 
+#include <zorvan/exports.h>
+
+#include <thread>
+
 namespace {
 
 class Reports : public Zorvan::IAnalysisOutputInterface
@@ -15,6 +19,14 @@ public:
 
     int texts = 0;
     int rows = 0;
+};
+
+class Methods : public Zorvan::IAnalysisSummaryInterface
+{
+public:
+    void methodInformation(const char *, int, const char *) override { ++count; }
+
+    int count = 0;
 };
 
 class SteppingHost : public Zorvan::test::MapHost
@@ -50,6 +62,18 @@ int reportedTexts()
 int reportedRows()
 {
     return s_reports.rows;
+}
+
+int methodsToldToTheHost()
+{
+    Methods methods;
+    getInstruemntationInformations(&methods);
+    return methods.count;
+}
+
+void waitMoment()
+{
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
 }
 
 int main()

@@ -1,5 +1,6 @@
 // The macros: what they evaluate, how often they print, where they can stand.
 
+#include "printonce.h"
 #include "support/maphost.h"
 #include "support/programdata.h"
 
@@ -103,7 +104,11 @@ TEST_F(Macros, StandWhereverAStatementCan)
     printFromTemplate("text");
     printFromTemplate(QStringLiteral("text"));
     printFromTemplate(QStringLiteral("text"));
-    EXPECT_EQ(host.linesWith("text"), 2) << "each instance is a place of its own";
+    printFromTemplate(QByteArray("text"));
+    EXPECT_EQ(host.linesWith("text"), 3) << "each instance is a place of its own";
+    printOnce();
+    printOnceFromAnotherFile();
+    EXPECT_EQ(host.linesWith("once from a header"), 1);
 }
 
 TEST_F(Macros, LimitOnlyMessagesThatAreActive)

@@ -125,29 +125,39 @@ TEST_F(Measurements, KeepTheTotalBehindTheOneInWhichTheyWereArmed)
     host.takeLines();
     startTimer(timeMeasTotal, 10);
     Debug::enableSCPItimeMeas4HwSetting();
+    stopTimer(timeMeasDatabase, 12); // the stages that are at work when it is armed end as well
+    startTimer(timeMeasHardware, 13);
+    stopTimer(timeMeasHardware, 15);
     stopTimer(timeMeasTotal, 20);
     EXPECT_EQ(takeTexts().size(), 8U) << "printed";
     EXPECT_EQ(kept(), nothingKept) << "but not kept";
 
     startTimer(timeMeasTotal, 1000);
-    startTimer(timeMeasParse, 1010);
-    stopTimer(timeMeasParse, 1030);
-    stopTimer(timeMeasParse, 1900); // only the first stop counts
-    startTimer(timeMeasDatabase, 1100);
-    startTimer(timeMeasHardware, 1200);
-    stopTimer(timeMeasHardware, 1240);
-    startTimer(timeMeasHardware, 1300, true);
-    stopTimer(timeMeasHardware, 1307, true);
-    startTimer(timeMeasHardwareFrequency, 1400); // not without the second pass
-    startTimer(timeMeasHardwareLevel, 1500, true);
-    stopTimer(timeMeasHardwareLevel, 1503, true);
-    stopTimer(timeMeasDatabase, 1600);
+    startTimer(timeMeasHardwareFrequency, 1001); // not without the second pass
+    startTimer(timeMeasHardwareLevel, 1002);
+    for (int round = 0; round < 2; ++round) { // whatever comes again changes nothing
+        const quint64 later = 1000 + 7000 * static_cast<quint64>(round);
+        startTimer(timeMeasParse, later + 10);
+        stopTimer(timeMeasParse, later + 30);
+        startTimer(timeMeasScpiToDatabase, later + 40);
+        stopTimer(timeMeasScpiToDatabase, later + 45);
+        startTimer(timeMeasDatabase, later + 100);
+        startTimer(timeMeasHardware, later + 200);
+        stopTimer(timeMeasHardware, later + 240);
+        startTimer(timeMeasHardware, later + 300, true);
+        stopTimer(timeMeasHardware, later + 307, true);
+        startTimer(timeMeasHardwareFrequency, later + 400, true);
+        stopTimer(timeMeasHardwareFrequency, later + 411, true);
+        startTimer(timeMeasHardwareLevel, later + 500, true);
+        stopTimer(timeMeasHardwareLevel, later + 503, true);
+        stopTimer(timeMeasDatabase, later + 600);
+    }
     EXPECT_EQ(takeTexts(), Lines{}) << "only the end of the total tells";
     stopTimer(timeMeasTotal, 1234567 + 1000);
     EXPECT_EQ(takeTexts(),
-              (Lines{"Total    time 1.23457e+06 cycles", "Parse    time 20 cycles", "Scpi->Db time 0 cycles",
+              (Lines{"Total    time 1.23457e+06 cycles", "Parse    time 20 cycles", "Scpi->Db time 5 cycles",
                      "Database time 453 cycles", "HW_total time 40 cycles", "HW_total2 time 7 cycles",
-                     "HW_freq  time 0 cycles", "HW_level time 3 cycles"}));
+                     "HW_freq  time 11 cycles", "HW_level time 3 cycles"}));
     EXPECT_EQ(kept(0) + kept(3), "Total    time 1234567 cycles\nDatabase time 453 cycles\n");
     EXPECT_EQ(kept(-2) + kept(8) + kept(INT_MAX) + kept(INT_MIN), "");
 

@@ -142,12 +142,15 @@ public:
     virtual void hookActivated(char *key, char *parameters);
 };
 
-/// Takes the results of the analysis tools. Texts and rows come on the thread that produced them.
+/// Takes the results of the analysis tools; see installanalysisMessageHandler(). Texts and rows come on the
+/// thread that produced them, from several threads at once if need be, with no lock of the library held: it
+/// may print, measure, allocate and ask for reports.
 class ZORVAN_EXPORT IAnalysisOutputInterface
 {
 public:
     virtual ~IAnalysisOutputInterface();
-    /// A finished line, and where in the library's sources it was made.
+    /// A finished line, and what it is about: a source position of the host's (the file may be null) or a
+    /// part of the tools.
     virtual void textOutput(const char *source, int line, const char *text) = 0;
     /// Comes before the rows of a table: how many there are, the sums of their cycles and calls, and the
     /// earliest and the latest time stamp. All zeros if nothing was measured.
@@ -286,8 +289,8 @@ public:
     /// 0 without a table, -1 for an unknown module.
     static int getClippingLevel(moduleId module);
 
-    /// Whether a message would be printed. Made for hot paths: takes no lock for classes 0 to 63, but for the
-    /// first question about a module.
+    /// Whether a message would be printed. Made for hot paths: takes no lock for classes 0 to 63 of a module
+    /// that exists and was asked about before, while any module can print.
     ///
     /// Level 0 passes whatever its class. Without a table: true. Ids beyond the table: false.
     static bool isActive(moduleId module, int level, int cls);
@@ -508,7 +511,8 @@ public:
     static void startMeasurement(ressourceInfo *info);
     static void stopMeasurement(ressourceInfo *info);
     /// Prints the mean of all starts, with the change of tracked memory while memory is tracked:
-    /// "current time200cycles needed"; label and unit bring their own blanks.
+    /// "current time200cycles needed"; label and unit bring their own blanks. Without a table they are part
+    /// of a format, as println() says.
     static void dumpRessources(ressourceInfo *info);
 
     /// Starts or stops the timer of a stage of the hardware setting. One thread at a time.
@@ -553,14 +557,15 @@ ZORVAN_EXPORT void gyxLog(const char *file, int line, const char *format, ...) Z
 ZORVAN_EXPORT void gyxAssert(const QString &condition, const QString &message, const char *file, int line);
 
 /// Notes a trace point in a history that keeps the newest lines, 10 kB of them, in memory. No file, no
-/// allocation. Any thread, at any time. \a file null: no source position. Ignored if \a format is null or
-/// longer than 1,024 characters; a line is cut at 4,095.
+/// allocation. Any thread, also while static objects are built and destroyed, but not in a signal handler: it
+/// takes a lock, which the interrupted thread may hold. \a file null: no source position. A null
+/// \a format, or one of more than 1,024 characters, is ignored; a line is cut at 4,095.
 ZORVAN_EXPORT void logHistory(const char *file, int line, const char *format, va_list *arguments);
 /// The same with the arguments behind the format.
 ZORVAN_EXPORT void logHistory(const char *file, int line, const char *format, ...) ZORVAN_PRINTF_FORMAT(3, 4);
 /// Appends the history to "/var/appdata/crashlog.txt", if that can be opened, and a notice to the system log.
 /// For a process that is about to end after a fault: it waits a second at most for a thread that died while
-/// it noted a trace point.
+/// it noted a trace point. After such a death logHistory() and fork() wait for ever.
 ZORVAN_EXPORT void dumpLogHistory();
 /// @}
 
@@ -569,7 +574,7 @@ ZORVAN_EXPORT void dumpLogHistory();
 /// a connection on the loopback interface, set up when it is first needed.
 /// @{
 
-/// Finds the daemon, or starts it, and connects to it; once per process. May take seven seconds. Any thread.
+/// Finds the daemon, or starts it, and connects to it; once per process. May take nine seconds. Any thread.
 ///
 /// \param[out] daemonPort, secondPort the ports that the daemon announced, -1 if none; a later call leaves
 /// them alone
@@ -577,8 +582,9 @@ ZORVAN_EXPORT void dumpLogHistory();
 /// \return whether a daemon was found or started
 ZORVAN_EXPORT bool initDebugDaemon(int &daemonPort, int &secondPort, const char *instanceName);
 /// Ends the process-level services: the daemon is told to end and the connection to it is closed, for good;
-/// the channels of the system log are dropped and made anew by the next message. Takes up to a second with a
-/// connection. exitDebug() calls it; a host that never calls initDebug() may call it at its end.
+/// the channels of the system log are dropped and made anew by the next message, which then allocates, in
+/// dumpLogHistory(), too. Takes up to two seconds with a connection. exitDebug() calls it; a host that never
+/// calls initDebug() may call it at its end.
 ZORVAN_EXPORT void exitDebugDaemon();
 /// @}
 

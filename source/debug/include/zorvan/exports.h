@@ -69,9 +69,9 @@ typedef struct IAnalysisSummaryInterface IAnalysisSummaryInterface;
 /// clipping level, and -1 as clipping level silences it. Without a table setters do nothing.
 /// @{
 
-/// Whether a message would be printed. Made for hot paths: takes no lock for classes 0 to 63, but for the
-/// first question about a module. Level 0 passes whatever its class. Without a table: true. Unknown module:
-/// false.
+/// Whether a message would be printed. Made for hot paths: takes no lock for classes 0 to 63 of a module that
+/// exists and was asked about before, while any module can print. Level 0 passes whatever its class. Without
+/// a table: true. Unknown module: false.
 ZORVAN_EXPORT bool isActive(ZORVAN_TYPE(moduleId) module, int level, int cls) ZORVAN_NOEXCEPT;
 /// The highest level that the module lets through; 0 without a table, -1 for an unknown module.
 ZORVAN_EXPORT int getClippingLevel(ZORVAN_TYPE(moduleId) module) ZORVAN_NOEXCEPT;

@@ -6,7 +6,7 @@
 ///
 /// Each is one statement, also in an if without braces, in a template, a lambda or a header, and evaluates
 /// each of its arguments at most once. Any thread; none of them takes a lock of its own. Texts are QString,
-/// or narrow ones in Latin-1.
+/// or narrow ones in Latin-1. A comma in a module, a level or a condition wants parentheses around it.
 
 #include <zorvan/debug.h>
 
@@ -75,14 +75,13 @@
     ZORVAN_DETAIL_PRINT(ZORVAN_DETAIL_NAME(zorvanMessage, __COUNTER__), module, cls, level, __VA_ARGS__)
 
 /// Prints the first active message of this place in the program, and no more. (In a template each instance is
-/// a place.)
+/// a place.) A text that throws counts as printed.
 ///
 ///     if (lines.size() > limit)
 ///         ZORVAN_PRINT_ONCE(kernel, parser, warning, "more lines than expected");
 #define ZORVAN_PRINT_ONCE(module, cls, level, ...)                                                           \
-    ZORVAN_DETAIL_PRINT_LIMITED(ZORVAN_DETAIL_NAME(zorvanMessage, __COUNTER__),                              \
-                                ZORVAN_DETAIL_NAME(zorvanLimit, __COUNTER__), Once, (), module, cls, level,  \
-                                __VA_ARGS__)
+    ZORVAN_DETAIL_PRINT_LIMITED(ZORVAN_DETAIL_NAME(zorvanMessage, __COUNTER__), Once, (), module, cls,       \
+                                level, __VA_ARGS__)
 
 /// Prints the first of every \a count active messages of this place: with 3 the first, the fourth, the
 /// seventh.
@@ -90,8 +89,7 @@
 ///     for (const Sample &sample : samples)
 ///         ZORVAN_PRINT_EVERY(1000, kernel, sampler, debug, sample.toString());
 #define ZORVAN_PRINT_EVERY(count, module, cls, level, ...)                                                   \
-    ZORVAN_DETAIL_PRINT_LIMITED(ZORVAN_DETAIL_NAME(zorvanMessage, __COUNTER__),                              \
-                                ZORVAN_DETAIL_NAME(zorvanLimit, __COUNTER__), Every, (count), module, cls,   \
+    ZORVAN_DETAIL_PRINT_LIMITED(ZORVAN_DETAIL_NAME(zorvanMessage, __COUNTER__), Every, (count), module, cls, \
                                 level, __VA_ARGS__)
 
 /// Prints at most \a perSecond messages of this place in a second, which begins with its first message. 0 or
@@ -100,9 +98,9 @@
 ///     while (!done())
 ///         ZORVAN_PRINT_AT_MOST(2, kernel, synthesizer, info, QStringLiteral("still waiting"));
 #define ZORVAN_PRINT_AT_MOST(perSecond, module, cls, level, ...)                                             \
-    ZORVAN_DETAIL_PRINT_LIMITED(                                                                             \
-        ZORVAN_DETAIL_NAME(zorvanMessage, __COUNTER__), ZORVAN_DETAIL_NAME(zorvanLimit, __COUNTER__),        \
-        AtMost, (perSecond, ::Zorvan::detail::steadyMilliseconds()), module, cls, level, __VA_ARGS__)
+    ZORVAN_DETAIL_PRINT_LIMITED(ZORVAN_DETAIL_NAME(zorvanMessage, __COUNTER__), AtMost,                      \
+                                (perSecond, ::Zorvan::detail::steadyMilliseconds()), module, cls, level,     \
+                                __VA_ARGS__)
 /// @}
 
 /// \name Assertions and trace points
@@ -140,11 +138,15 @@
             message.print(__FILE__, __LINE__, __VA_ARGS__);                                                  \
     } while (false)
 
-#define ZORVAN_DETAIL_PRINT_LIMITED(message, limit, Limit, arguments, module, cls, level, ...)               \
+/// The state of a limit has the same name in every file that includes the place: one place, one state.
+#define ZORVAN_DETAIL_PRINT_LIMITED(message, Limit, arguments, module, cls, level, ...)                      \
     do {                                                                                                     \
-        static ::Zorvan::detail::Limit limit;                                                                \
         const auto message = ::Zorvan::detail::Message(module, cls, level);                                  \
-        if (message.isWanted(ZORVAN_HIGHEST_LEVEL) && limit.takes arguments)                                 \
+        if (message.isWanted(ZORVAN_HIGHEST_LEVEL) && []() -> ::Zorvan::detail::Limit & {                    \
+                static ::Zorvan::detail::Limit zorvanLimit;                                                  \
+                return zorvanLimit;                                                                          \
+            }()                                                                                              \
+                                                                  .takes arguments)                          \
             message.print(__FILE__, __LINE__, __VA_ARGS__);                                                  \
     } while (false)
 
@@ -174,6 +176,11 @@ inline QString toText(const QString &text)
 }
 
 inline QString toText(const char *text)
+{
+    return QString::fromLatin1(text);
+}
+
+inline QString toText(const QByteArray &text)
 {
     return QString::fromLatin1(text);
 }
