@@ -149,8 +149,7 @@ class ZORVAN_EXPORT IAnalysisOutputInterface
 {
 public:
     virtual ~IAnalysisOutputInterface();
-    /// A finished line, and what it is about: a source position of the host's (the file may be null) or a
-    /// part of the tools.
+    /// A finished line, and what it is about: a source position of the host's, or a part of the tools.
     virtual void textOutput(const char *source, int line, const char *text) = 0;
     /// Comes before the rows of a table: how many there are, the sums of their cycles and calls, and the
     /// earliest and the latest time stamp. All zeros if nothing was measured.
@@ -182,7 +181,8 @@ struct ressourceInfo
     qint32 memoryAtStart = 0; ///< bytes in tracked blocks at the last start
     qint32 memoryAtStop = 0; ///< and at the last stop
     double divisor = 1.0; ///< of the mean; with the counter's frequency the report is in seconds
-    QString label = QStringLiteral("current time"); ///< begins the report
+    QString label =
+        QStringLiteral("current time"); ///< begins the report; without a table '%' as in println()
     QString unit = QStringLiteral("cycles"); ///< stands behind the number
     moduleId module = 0; ///< of the report, as messageClass and level
     qint32 messageClass = 0;
@@ -511,8 +511,7 @@ public:
     static void startMeasurement(ressourceInfo *info);
     static void stopMeasurement(ressourceInfo *info);
     /// Prints the mean of all starts, with the change of tracked memory while memory is tracked:
-    /// "current time200cycles needed"; label and unit bring their own blanks. Without a table they are part
-    /// of a format, as println() says.
+    /// "current time200cycles needed"; label and unit bring their own blanks.
     static void dumpRessources(ressourceInfo *info);
 
     /// Starts or stops the timer of a stage of the hardware setting. One thread at a time.
@@ -576,15 +575,13 @@ ZORVAN_EXPORT void dumpLogHistory();
 
 /// Finds the daemon, or starts it, and connects to it; once per process. May take nine seconds. Any thread.
 ///
-/// \param[out] daemonPort, secondPort the ports that the daemon announced, -1 if none; a later call leaves
-/// them alone
+/// \param[out] daemonPort, secondPort the announced ports, -1 if none; a later call leaves them alone
 /// \param instanceName which daemon, null: "assertion"
 /// \return whether a daemon was found or started
 ZORVAN_EXPORT bool initDebugDaemon(int &daemonPort, int &secondPort, const char *instanceName);
 /// Ends the process-level services: the daemon is told to end and the connection to it is closed, for good;
-/// the channels of the system log are dropped and made anew by the next message, which then allocates, in
-/// dumpLogHistory(), too. Takes up to two seconds with a connection. exitDebug() calls it; a host that never
-/// calls initDebug() may call it at its end.
+/// the next message to the system log allocates its channel anew. Takes up to two seconds with a connection.
+/// exitDebug() calls it; a host that never calls initDebug() may call it at its end.
 ZORVAN_EXPORT void exitDebugDaemon();
 /// @}
 
@@ -594,7 +591,7 @@ ZORVAN_EXPORT void exitDebugDaemon();
 
 /// The value, or \a defaultValue if it is not set (-1) or the id is out of range.
 ZORVAN_EXPORT int getLowlevelIntegerProperty(int id, int defaultValue);
-/// Stores a changed value and rewrites the file; -1 means "not set". Nothing happens for an id out of range.
+/// Stores a changed value and rewrites the file; -1: "not set". Nothing happens for an id out of range.
 ZORVAN_EXPORT void setLowlevelIntegerProperty(int id, int value);
 /// @}
 
