@@ -134,9 +134,9 @@ void Hardware::attenuate(const OutputSetting &setting)
     const TimedStage stage(Zorvan::timeMeasHardwareLevel, Pass::Settling);
     const TimeMeasurement measurement(Module::AnalogBoard, "output");
     ZORVAN_TRACE("output %.2f dBm", setting.levelDbm);
-    const int steps =
-        static_cast<int>(std::ceil((amplifierMaximumDbm - setting.levelDbm) / attenuator_step_decibel));
-    const int attenuation = std::max(steps, 0) * attenuator_step_decibel;
+    constexpr int step = attenuator_step_decibel;
+    const int steps = static_cast<int>(std::ceil((amplifierMaximumDbm - setting.levelDbm) / step));
+    const int attenuation = std::max(steps, 0) * step;
     const bool relaysMove = attenuator_set(&m_attenuator, attenuation) > 0;
     {
         const std::lock_guard<std::mutex> guard(m_mutex);
