@@ -103,7 +103,6 @@ SourceTable &tableWithRoom() ZORVAN_REQUIRES(analyzerLock())
 
 int addedSource(const char *text)
 {
-    const InsideAnalyzer inside;
     const platform::Locked guard(analyzerLock());
     if (const Source *const source = knownSource(text)) // another thread was faster
         return source->index;

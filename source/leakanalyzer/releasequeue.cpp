@@ -1,8 +1,5 @@
 #include "leakanalyzer/releasequeue.h"
 
-#include "platform/clock.h"
-#include "platform/processor.h"
-
 #include <algorithm>
 #include <cstdlib>
 
@@ -10,27 +7,12 @@ namespace Zorvan::analysis {
 
 namespace {
 
-constexpr int triesBeforeSleep = 100;
-constexpr int longestPause = 64; // calls of spinPause(): the other thread gets several turns meanwhile
-
 BlockKey *newRing(std::size_t capacity) // not written to before it is needed
 {
     return static_cast<BlockKey *>(std::malloc(capacity * sizeof(BlockKey)));
 }
 
 } // namespace
-
-void BriefLock::wait()
-{
-    int pauses = 1;
-    for (int attempt = 0; !tryLock(); ++attempt) {
-        if (attempt >= triesBeforeSleep)
-            platform::sleepFor(std::chrono::milliseconds(1));
-        for (int i = 0; i < pauses; ++i)
-            platform::spinPause();
-        pauses = std::min(2 * pauses, longestPause);
-    }
-}
 
 ReleaseQueue::ReleaseQueue(std::size_t capacity)
     : m_ring(newRing(capacity))

@@ -1,31 +1,12 @@
 #pragma once
 
+#include "leakanalyzer/brieflock.h"
 #include "leakanalyzer/liveblocks.h"
-#include "platform/lock.h"
 
 #include <atomic>
 #include <cstddef>
 
 namespace Zorvan::analysis {
-
-/// A lock for a few instructions at a time: one atomic operation to take it, a plain store to give it back.
-/// Whoever finds it taken looks again less and less often, and sleeps if that does not help.
-class ZORVAN_CAPABILITY("mutex") BriefLock
-{
-public:
-    void lock() ZORVAN_ACQUIRE()
-    {
-        if (!tryLock())
-            wait();
-    }
-    void unlock() ZORVAN_RELEASE() { m_isHeld.store(false, std::memory_order_release); }
-
-private:
-    bool tryLock() { return !m_isHeld.exchange(true, std::memory_order_acquire); }
-    void wait();
-
-    std::atomic<bool> m_isHeld{false};
-};
 
 /// Blocks that were released and still have to be taken out of the table of live blocks, in order. Whoever
 /// releases waits for nothing but its turn here. Any thread.

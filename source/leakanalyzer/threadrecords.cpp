@@ -1,10 +1,8 @@
 #include "leakanalyzer/threadrecords.h"
 
-#include "leakanalyzer/insideanalyzer.h"
 #include "leakanalyzer/methodids.h"
 #include "leakanalyzer/sourcenames.h"
 #include "platform/clock.h"
-#include "platform/processor.h"
 
 #include <algorithm>
 #include <map>
@@ -143,17 +141,6 @@ PlainVector<ThreadRecord *> threadRecords()
 
 } // namespace
 
-void RecordLock::waitAndLock()
-{
-    constexpr int triesBeforeSleep = 2000;
-    for (int attempt = 0; isHeld() || !tryLock(); ++attempt) {
-        if (attempt < triesBeforeSleep)
-            platform::spinPause();
-        else
-            platform::sleepFor(std::chrono::milliseconds(1));
-    }
-}
-
 MethodTable::MethodTable()
 {
     resize(firstTableBits);
@@ -274,7 +261,6 @@ void ThreadRecord::leave(PairingFaults &faults)
 
 MethodStatistics &ThreadRecord::added(const MethodPosition &method)
 {
-    const InsideAnalyzer inside;
     MethodStatistics &statistics = m_methods.add(method.id);
     statistics.line = method.line;
     const platform::Locked guard(analyzerLock());
@@ -305,7 +291,6 @@ void ThreadRecord::appendTo(PlainVector<MeasuredMethod> &methods) const
 // the last thread that had the record.
 ThreadRecord &detail::registerThisThread()
 {
-    const InsideAnalyzer inside;
     const std::uint64_t thread = platform::kernelThreadId();
     if (!s_hasThreadEnded)
         s_threadEnd.watch(thread);
@@ -323,7 +308,6 @@ ThreadRecord &detail::registerThisThread()
 
 PlainVector<MeasuredMethod> measuredMethods()
 {
-    const InsideAnalyzer inside;
     PlainVector<MeasuredMethod> methods;
     for (ThreadRecord *const record : threadRecords()) {
         const platform::Locked guard(record->lock());
@@ -337,7 +321,6 @@ PlainVector<MeasuredMethod> measuredMethods()
 
 void clearThreadRecords()
 {
-    const InsideAnalyzer inside;
     PlainVector<ThreadRecord *> records;
     {
         const platform::Locked guard(analyzerLock());
@@ -352,7 +335,6 @@ void clearThreadRecords()
 
 void adoptRecordsInChild()
 {
-    const InsideAnalyzer inside;
     const std::uint64_t thread = platform::kernelThreadId();
     if (s_threadRecord != nullptr && s_threadRecord->lock().isHeld())
         s_threadRecord = nullptr; // another thread was clearing it

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "leakanalyzer/analysiscontrol.h"
+#include "leakanalyzer/brieflock.h"
 #include "leakanalyzer/plainmemory.h"
 #include "platform/threadlocal.h"
 
@@ -10,25 +11,6 @@
 
 /// What each thread has measured. A thread writes only its own record; reports and clears reach them all.
 namespace Zorvan::analysis {
-
-/// Takes a few nanoseconds when it is free, which it is unless a report or a clear looks at the same record.
-class ZORVAN_CAPABILITY("mutex") RecordLock
-{
-public:
-    void lock() ZORVAN_ACQUIRE()
-    {
-        if (!tryLock())
-            waitAndLock();
-    }
-    void unlock() ZORVAN_RELEASE() { m_isHeld.store(false, std::memory_order_release); }
-    [[nodiscard]] bool isHeld() const { return m_isHeld.load(std::memory_order_acquire); }
-
-private:
-    bool tryLock() { return !m_isHeld.exchange(true, std::memory_order_acquire); }
-    void waitAndLock();
-
-    std::atomic<bool> m_isHeld{false};
-};
 
 /// One method in one thread. Cycles are those of platform::cycleCounter().
 struct MethodStatistics
@@ -128,7 +110,7 @@ public:
     /// The same, made if need be. Throws std::bad_alloc.
     [[nodiscard]] static ThreadRecord &ofThisThread();
 
-    [[nodiscard]] RecordLock &lock() ZORVAN_RETURN_CAPABILITY(m_lock) { return m_lock; }
+    [[nodiscard]] BriefLock &lock() ZORVAN_RETURN_CAPABILITY(m_lock) { return m_lock; }
 
     /// \a stamp: the counter when the start was asked for. Throws std::bad_alloc: it is not measured then.
     PairingFaults start(const MethodPosition &method, std::uint64_t stamp) ZORVAN_REQUIRES(m_lock);
@@ -151,7 +133,7 @@ private:
     void putOffOpenMethods(std::int64_t cycles) ZORVAN_REQUIRES(m_lock);
     MethodStatistics &added(const MethodPosition &method) ZORVAN_REQUIRES(m_lock);
 
-    RecordLock m_lock;
+    BriefLock m_lock;
     int m_depth ZORVAN_GUARDED_BY(m_lock) = 0;
     std::uint64_t m_thread ZORVAN_GUARDED_BY(m_lock) = 0;
     MethodTable m_methods ZORVAN_GUARDED_BY(m_lock);

@@ -1,7 +1,6 @@
 #include "leakanalyzer/timesreport.h"
 
 #include "leakanalyzer/analysisoutput.h"
-#include "leakanalyzer/insideanalyzer.h"
 #include "leakanalyzer/methodtiming.h"
 #include "leakanalyzer/sourcenames.h"
 #include "leakanalyzer/threadrecords.h"
@@ -39,7 +38,6 @@ double averageCycles(const MeasuredMethod &method)
 /// The rows of a report: the methods with a source that passes the filter, the longest on average first.
 PlainVector<MeasuredMethod> rowsOf(const PlainVector<MeasuredMethod> &methods, const char *sourceFilter)
 {
-    const InsideAnalyzer inside;
     PlainVector<MeasuredMethod> rows;
     for (const MeasuredMethod &method : methods) {
         if (method.statistics.file != nullptr && passesFilter(method.statistics.file, sourceFilter))
