@@ -1,10 +1,11 @@
 // Members of the facade about which classes and levels a module lets through.
 
 #include "debug/moduletable.h"
-#include "debug/normalizedname.h"
 #include "debug/notice.h"
 #include "debug/outputgate.h"
 #include "debugserverqueue/guibridge.h"
+#include "host/classstates.h"
+#include "host/normalizedname.h"
 
 #include <QSet>
 #include <QStringList>
@@ -162,6 +163,13 @@ QString Debug::getEnabledMessageClasses(moduleId id)
     if (all)
         return QStringLiteral("all");
     return any ? enabled.join(QLatin1Char(',')) : QStringLiteral("none");
+}
+
+bool host::isClassEnabled(moduleId id, int cls)
+{
+    const TableLock guard;
+    const Module *const module = moduleTable().find(id);
+    return module != nullptr && module->isClassEnabled(cls);
 }
 
 void Debug::enableLevel(moduleId id, const QString &name)

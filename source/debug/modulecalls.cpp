@@ -1,10 +1,10 @@
 // Members of the facade about modules, their names and their descriptions.
 
 #include "debug/moduletable.h"
-#include "debug/normalizedname.h"
 #include "debug/outputgate.h"
 #include "debugserverqueue/guibridge.h"
 #include "host/hosthandlers.h"
+#include "host/normalizedname.h"
 
 #include <cstring>
 

@@ -3,12 +3,12 @@
 #include "debug/displayflags.h"
 #include "debug/lineheader.h"
 #include "debug/moduletable.h"
-#include "debug/normalizedname.h"
 #include "debug/outputfile.h"
 #include "debug/outputfilter.h"
 #include "debug/printing.h"
 #include "debugserverqueue/guibridge.h"
 #include "host/hosthandlers.h"
+#include "host/normalizedname.h"
 #include "platform/errornumber.h"
 #include "platform/standardoutput.h"
 

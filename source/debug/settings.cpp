@@ -2,10 +2,10 @@
 
 #include "debug/displayflags.h"
 #include "debug/moduletable.h"
-#include "debug/normalizedname.h"
 #include "debug/outputfile.h"
 #include "debug/outputgate.h"
 #include "host/hosthandlers.h"
+#include "host/normalizedname.h"
 #include "platform/folders.h"
 
 #include <QDir>

@@ -4,7 +4,7 @@
 #include "debugwindow/paintedline.h"
 #include "debugwindow/protocolwidget.h"
 #include "debugwindow/rowcopy.h"
-#include "debugwindow/viewdialogs.h"
+#include "settingsdialog/questions.h"
 
 #include <QPointer>
 #include <QScrollBar>
@@ -35,12 +35,14 @@ std::optional<QString> QProtocolWidget::ask(const Question &question)
 std::optional<QString> QProtocolWidget::askForText(const QString &title, const QString &label,
                                                    const QString &preset)
 {
-    return ask([&] { return viewdialogs::askForText(this, title, label, preset); });
+    return ask([&] { return questions::askForText(this, title, label, preset); });
 }
 
 std::optional<QString> QProtocolWidget::askForMarkerFile(const QString &title, QFileDialog::AcceptMode mode)
 {
-    return ask([&] { return viewdialogs::askForMarkerFile(this, title, mode); });
+    questions::FileQuestion question{title, tr("Debug Server Output Filter (*.dbgfilt)"), mode};
+    question.suffix = QStringLiteral("dbgfilt");
+    return ask([&] { return questions::askForFile(this, question); });
 }
 
 /// As it is painted, without colour sequences: a marker with one would hardly be in any other line. Only the

@@ -9,9 +9,10 @@
 #include "host/hosthandlers.h"
 #include "host/savedconfiguration.h"
 #include "host/tablestate.h"
+#include "settingsdialog/questions.h"
+#include "settingsdialog/rundialog.h"
 
 #include <QClipboard>
-#include <QFileDialog>
 #include <QFontDialog>
 #include <QGuiApplication>
 #include <QMenu>
@@ -90,17 +91,12 @@ void DebugWindow::saveToFile()
 std::optional<QString> DebugWindow::askLogPath()
 {
     const savedlog::Place place = savedlog::startingPlace(m_savedLog);
-    const QPointer<QFileDialog> dialog(
-        new QFileDialog(this, tr("Save logging as..."), place.folder, tr("DebugServer Log Files (*.log)")));
-    dialog->setAcceptMode(QFileDialog::AcceptSave);
-    dialog->setFileMode(QFileDialog::AnyFile);
-    dialog->selectFile(place.name);
+    questions::FileQuestion question{tr("Save logging as..."), tr("DebugServer Log Files (*.log)"),
+                                     QFileDialog::AcceptSave};
+    question.folder = place.folder;
+    question.name = place.name;
     const OwnModal modal(*m_reports);
-    std::optional<QString> path;
-    if (dialog->exec() == QDialog::Accepted && dialog)
-        path = dialog->selectedFiles().value(0);
-    delete dialog;
-    return path;
+    return questions::askForFile(this, question);
 }
 
 void DebugWindow::setOutputFont()
@@ -121,13 +117,9 @@ void DebugWindow::setUserInterfaceFont()
 
 std::optional<QFont> DebugWindow::askFont(const QFont &present)
 {
-    const QPointer<QFontDialog> dialog(new QFontDialog(present, this));
     const OwnModal modal(*m_reports);
-    std::optional<QFont> chosen;
-    if (dialog->exec() == QDialog::Accepted && dialog)
-        chosen = dialog->selectedFont();
-    delete dialog;
-    return chosen;
+    return runDialog(new QFontDialog(present, this),
+                     [](const QFontDialog &accepted) { return accepted.selectedFont(); });
 }
 
 void DebugWindow::makeDefault()

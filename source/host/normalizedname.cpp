@@ -1,4 +1,4 @@
-#include "debug/normalizedname.h"
+#include "host/normalizedname.h"
 
 #include <algorithm>
 

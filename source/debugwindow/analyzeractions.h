@@ -1,0 +1,45 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+
+class QFont;
+class QPoint;
+class QWidget;
+
+namespace Zorvan {
+
+class HandlerReports;
+
+/// What the debug window does with the analysis tools: the menu of its button, and the table of results.
+///
+/// The GUI thread only, but for the rows of a report, which any thread may hand in. A menu, a dialog, a
+/// message box or an output handler may lead to the end of the library and of the window, and of this object
+/// with it.
+class AnalyzerActions : public QObject
+{
+public:
+    /// A part of \a window. The geometry of the table comes from the host's settings when it is first shown.
+    AnalyzerActions(QWidget &window, HandlerReports &reports);
+    ~AnalyzerActions() override;
+
+    /// Lets the user choose from the menu, whose top left corner is at \a position of the screen, and does
+    /// it.
+    void openMenu(const QPoint &position);
+
+    /// Of the table, also of one that is made later.
+    void setOutputFont(const QFont &font);
+    /// The table's geometry as it is to be stored; \a stored while there has been no table.
+    [[nodiscard]] QString place(const QString &stored) const;
+    /// Takes the table from the screen. Its results stay.
+    void hideResults();
+
+    /// \name A report, see IAnalysisOutputInterface. Any thread; each makes a report of its own.
+    /// @{
+    void beginReport(qint64 totalCycles, quint64 earliestStamp, quint64 latestStamp);
+    void addRow(const char *methodName, quint64 thread, int calls, qint64 totalCycles, qint64 overheadCycles);
+    void endReport();
+    /// @}
+};
+
+} // namespace Zorvan

@@ -1,0 +1,10 @@
+#include "settingsdialog/outputfilterdialog.h"
+
+namespace Zorvan {
+
+bool editOutputFilter(QWidget *)
+{
+    return false;
+}
+
+} // namespace Zorvan

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <QFileDialog>
+#include <QString>
+
+#include <optional>
+
+class QWidget;
+
+/// Questions to the user, of the windows of this library. Each runs an event loop, in which the parent may be
+/// deleted: that is no answer, as is a cancelled dialog. The GUI thread only.
+namespace Zorvan::questions {
+
+struct FileQuestion
+{
+    QString title;
+    QString filter; ///< as in QFileDialog
+    QFileDialog::AcceptMode mode = QFileDialog::AcceptOpen; ///< an existing file, or one to be written
+    QString suffix; ///< appended to the name of a file to be written, if it has none
+    QString folder; ///< where to begin; empty: the working directory
+    QString name; ///< a file in it that is proposed
+};
+
+struct Range
+{
+    int least;
+    int most;
+    int step;
+};
+
+[[nodiscard]] std::optional<QString> askForFile(QWidget *parent, const FileQuestion &question);
+[[nodiscard]] std::optional<QString> askForText(QWidget *parent, const QString &title, const QString &label,
+                                                const QString &preset);
+[[nodiscard]] std::optional<int> askForNumber(QWidget *parent, const QString &title, const QString &label,
+                                              int preset, const Range &range);
+
+} // namespace Zorvan::questions
