@@ -170,9 +170,11 @@ void DebugServerQueue::handle(QEvent *event)
         break;
     case QueueEvent::Redraw:
         fillHooks();
+        refreshSettings();
         break;
     case QueueEvent::Rebuild:
-        break; // the window shows no names and prefixes
+        refreshSettings();
+        break;
     case QueueEvent::ShowWindow:
         showWindow();
         break;

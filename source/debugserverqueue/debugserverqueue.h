@@ -71,6 +71,7 @@ private:
     bool makeWindow();
     void takeWindowIntoUse();
     void fillHooks();
+    void refreshSettings();
     void showTitle();
     void putWindowOnScreen();
     std::int64_t sendWindowText(const DebugWindow &window);

@@ -45,9 +45,11 @@ void OutputWindow::end()
     const bool wasInUse = std::exchange(m_isInUse, false);
     if (window == nullptr)
         return;
-    if (wasInUse)
+    if (wasInUse) {
         analysis::removeOutputHandler(window);
-    if (m_isSupplied)
+        window->closeCompanions();
+    }
+    if (window == nullptr || m_isSupplied)
         return;
     auto &ended = endedWindows();
     ended.erase(std::remove(ended.begin(), ended.end(), nullptr), ended.end());

@@ -66,6 +66,12 @@ void DebugServerQueue::fillHooks()
         m_window.get()->refreshHooks();
 }
 
+void DebugServerQueue::refreshSettings()
+{
+    if (m_window.get() != nullptr)
+        m_window.get()->refreshSettings();
+}
+
 void DebugServerQueue::putWindowOnScreen()
 {
     m_window.get()->show();

@@ -1,6 +1,7 @@
 #include "debugwindow/debugwindow.h"
 
 #include "debugwindow/analysistexts.h"
+#include "debugwindow/analyzeractions.h"
 #include "debugwindow/handlerreports.h"
 #include "debugwindow/protocolwidget.h"
 #include "debugwindow/rowcopy.h"
@@ -9,6 +10,7 @@
 #include "host/hosthandlers.h"
 #include "host/outputswitch.h"
 #include "leakanalyzer/analysisoutput.h"
+#include "settingsdialog/settingsdialog.h"
 
 #include <QAbstractItemView>
 #include <QCloseEvent>
@@ -23,6 +25,8 @@
 namespace Zorvan {
 
 namespace {
+
+constexpr int settingsRefreshMs = 50;
 
 std::atomic<int> s_busyScopes{0};
 
@@ -63,6 +67,7 @@ DebugWindow::DebugWindow(const QString &)
     , m_restoredPlace(readPlace())
     , m_reports(new HandlerReports(*this))
     , m_analysisTexts(new AnalysisTexts(this, [this](const std::string &text) { appendOutput(text); }))
+    , m_analyzer(new AnalyzerActions(*this, *m_reports))
     , m_tools(new WindowToolBar(this))
     , m_view(new QProtocolWidget(this))
     , m_parameterHistory(*m_tools->parameters())
@@ -104,6 +109,11 @@ void DebugWindow::connectControls()
     connect(m_tools->parameters(), &QComboBox::textActivated, this, &DebugWindow::enteredInput);
     m_tools->parameters()->installEventFilter(this);
     m_tools->parameters()->view()->installEventFilter(this);
+    m_settingsTimer.setSingleShot(true);
+    connect(&m_settingsTimer, &QTimer::timeout, this, [this] {
+        if (m_settings != nullptr && m_settings->isVisible())
+            m_settings->refresh();
+    });
     m_completionTimer.setSingleShot(true);
     connect(&m_completionTimer, &QTimer::timeout, this, &DebugWindow::timeout);
     connect(m_view, &QProtocolWidget::modalStateChanged, m_reports, &HandlerReports::setModalOpen);
@@ -167,10 +177,24 @@ void DebugWindow::refreshHooks()
     m_tools->setHooks(QStringList(keys, keys + count));
 }
 
+void DebugWindow::refreshSettings()
+{
+    if (m_settings != nullptr && !m_settingsTimer.isActive())
+        m_settingsTimer.start(settingsRefreshMs);
+}
+
 void DebugWindow::hookStarted()
 {
     m_locks.hookRuns = true;
     m_tools->setLocks(m_locks);
+}
+
+void DebugWindow::closeCompanions()
+{
+    const QPointer<AnalyzerActions> analyzer(m_analyzer);
+    discardSettingsDialog();
+    if (analyzer)
+        analyzer->hideResults();
 }
 
 void DebugWindow::hookDone()
@@ -189,6 +213,7 @@ void DebugWindow::setClientsConnected(bool connected)
 void DebugWindow::updateModes()
 {
     m_locks.serverMode = Debug::isServer();
+    m_locks.clientMode = Debug::isClient();
     m_tools->setLocks(m_locks);
 }
 
@@ -197,10 +222,21 @@ void DebugWindow::textOutput(const char *, int, const char *text)
     m_analysisTexts->add(text ? text : "");
 }
 
-// Only texts have a place in this window so far.
-void DebugWindow::summary(int, qint64, qint64, qint64, quint64, quint64) {}
-void DebugWindow::tableRow(int, const char *, quint64, int, quint64, qint64, qint64) {}
-void DebugWindow::tableComplete() {}
+void DebugWindow::summary(int, qint64 totalCycles, qint64, qint64, quint64 earliestStamp, quint64 latestStamp)
+{
+    m_analyzer->beginReport(totalCycles, earliestStamp, latestStamp);
+}
+
+void DebugWindow::tableRow(int, const char *methodName, quint64 reference, int calls, quint64,
+                           qint64 totalCycles, qint64 overheadCycles)
+{
+    m_analyzer->addRow(methodName, reference, calls, totalCycles, overheadCycles);
+}
+
+void DebugWindow::tableComplete()
+{
+    m_analyzer->endReport();
+}
 
 bool DebugWindow::isOutputIdle()
 {
@@ -234,8 +270,11 @@ void DebugWindow::reset()
     m_parameterHistory.clear();
 }
 
-// Its button is disabled: the analysis tools have no menu yet.
-void DebugWindow::analyzing() {}
+void DebugWindow::analyzing()
+{
+    const QPushButton &button = *m_tools->analyze();
+    m_analyzer->openMenu(button.mapToGlobal(button.rect().bottomLeft()));
+}
 
 void DebugWindow::typedInput(const QString &text)
 {
@@ -286,6 +325,7 @@ void DebugWindow::showFonts()
 {
     setFont(m_fonts.userInterface);
     m_view->setFont(m_fonts.output);
+    m_analyzer->setOutputFont(m_fonts.output);
 }
 
 } // namespace Zorvan

@@ -8,6 +8,7 @@
 #include <zorvan/debug.h>
 
 #include <QByteArray>
+#include <QPointer>
 #include <QTimer>
 #include <QWidget>
 
@@ -18,8 +19,10 @@
 namespace Zorvan {
 
 class AnalysisTexts;
+class AnalyzerActions;
 class HandlerReports;
 class QProtocolWidget;
+class SettingsDialog;
 
 /// The window in which a person watches the host: its messages, its hooks, and the switches of the debug
 /// output. Settings come from the host's store when it is made and go back on "Make Default".
@@ -51,6 +54,9 @@ public:
     void setOutputOn(bool on);
     /// Fills the hook selector anew.
     void refreshHooks();
+    /// Lets the settings dialog, if it is on the screen, show the present modules, classes and levels. Soon,
+    /// so that a host that makes many modules is not held up.
+    void refreshSettings();
     /// While a hook with a thread of its own runs, none can be started from here; afterwards its field has
     /// the keyboard again.
     void hookStarted();
@@ -59,6 +65,8 @@ public:
     void setClientsConnected(bool connected);
     /// Reads server and client mode again.
     void updateModes();
+    /// At the end of the library: takes the windows that belong to this one from the screen.
+    void closeCompanions();
     /// @}
 
     void textOutput(const char *source, int line, const char *text) override;
@@ -93,6 +101,9 @@ private:
     [[nodiscard]] bool filterParameterKey(const QObject *watched, const QKeyEvent &event);
 
     void run(int command);
+    void configureMessages();
+    [[nodiscard]] SettingsDialog *newSettingsDialog();
+    void discardSettingsDialog();
     void copyToClipboard();
     void saveToFile();
     void setOutputFont();
@@ -109,9 +120,12 @@ private:
     QString m_savedLog;
     HandlerReports *const m_reports;
     AnalysisTexts *const m_analysisTexts;
+    AnalyzerActions *const m_analyzer;
     WindowToolBar *const m_tools;
     QProtocolWidget *const m_view;
     ParameterHistory m_parameterHistory;
+    QPointer<SettingsDialog> m_settings; // made when it is first asked for
+    QTimer m_settingsTimer;
     QTimer m_completionTimer;
     ControlLocks m_locks;
     bool m_isOutputOff = false;

@@ -42,7 +42,6 @@ void fillSettingsMenu(QMenu &menu, ClientEntry clients)
         action->setData(static_cast<int>(entry.command));
         action->setCheckable(isClientEntry);
         action->setChecked(isClientEntry && clients == ClientEntry::Checked);
-        action->setEnabled(entry.command != SettingsCommand::ConfigureMessages); // has no dialog yet
     }
 }
 

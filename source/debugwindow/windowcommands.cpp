@@ -1,5 +1,6 @@
 // What the settings menu of the debug window does.
 
+#include "debugwindow/analyzeractions.h"
 #include "debugwindow/debugwindow.h"
 #include "debugwindow/handlerreports.h"
 #include "debugwindow/protocolwidget.h"
@@ -11,6 +12,7 @@
 #include "host/tablestate.h"
 #include "settingsdialog/questions.h"
 #include "settingsdialog/rundialog.h"
+#include "settingsdialog/settingsdialog.h"
 
 #include <QClipboard>
 #include <QFontDialog>
@@ -18,6 +20,8 @@
 #include <QMenu>
 #include <QPointer>
 #include <QPushButton>
+
+#include <utility>
 
 namespace Zorvan {
 
@@ -72,8 +76,50 @@ void DebugWindow::run(int command)
         makeDefault();
         break;
     case SettingsCommand::ConfigureMessages:
+        configureMessages();
         break;
     }
+}
+
+void DebugWindow::configureMessages()
+{
+    if (m_settings == nullptr)
+        m_settings = newSettingsDialog();
+    const QPointer<SettingsDialog> dialog = m_settings;
+    dialog->show();
+    if (dialog) {
+        dialog->raise();
+        dialog->activateWindow();
+    }
+}
+
+SettingsDialog *DebugWindow::newSettingsDialog()
+{
+    auto *const dialog = new SettingsDialog(this);
+    dialog->setFont(m_fonts.userInterface);
+    const auto dress = [](QPushButton &button, const char *iconName, const QString &toolTip) {
+        button.setIcon(icon(iconName));
+        button.setToolTip(toolTip);
+    };
+    dress(*dialog->openButton(), "fileopen",
+          tr("Loads a previously stored Debug Server output configuration"));
+    dress(*dialog->saveButton(), "filesave",
+          tr("Saves the current Debug Server output configuration for later use"));
+    dress(*dialog->closeButton(), "closedialog", tr("Closes this dialog"));
+    dress(*dialog->filterButton(), "filter",
+          tr("Sets additional output filter for levels and message content"));
+    connect(dialog, &SettingsDialog::makeDefaultRequested, this, &DebugWindow::makeDefault);
+    return dialog;
+}
+
+/// It is deleted by the event loop, when none of its functions runs any more.
+void DebugWindow::discardSettingsDialog()
+{
+    const QPointer<SettingsDialog> dialog = std::exchange(m_settings, nullptr);
+    if (dialog == nullptr)
+        return;
+    dialog->deleteLater();
+    dialog->hide();
 }
 
 void DebugWindow::copyToClipboard()
@@ -112,6 +158,7 @@ void DebugWindow::setUserInterfaceFont()
     if (const std::optional<QFont> chosen = askFont(m_fonts.userInterface)) {
         m_fonts.userInterface = *chosen;
         showFonts();
+        discardSettingsDialog(); // the next one has the new font
     }
 }
 
@@ -133,7 +180,7 @@ void DebugWindow::makeDefault()
         return;
     Settings settings;
     settings.emplace_back("DebugServerWindowGeometry", windowgeometry::formatted(place()));
-    settings.emplace_back("DebugAnalysisWindowGeometry", analysisPlace); // there is no such window yet
+    settings.emplace_back("DebugAnalysisWindowGeometry", m_analyzer->place(analysisPlace));
     addFontSettings(settings, m_fonts);
     settings.emplace_back("DebugServerSavedLog", m_savedLog);
     for (const auto &[key, value] : settings) {

@@ -118,7 +118,7 @@ void WindowToolBar::enableControls()
     m_parameters->setEnabled(isOurs && !m_locks.serverMode && !m_locks.hookRuns);
     m_activate->setEnabled(isOurs && m_hasHooks && !m_locks.hookRuns);
     m_settings->setEnabled(isOurs);
-    m_analyze->setEnabled(false); // the analysis tools have no menu yet
+    m_analyze->setEnabled(isOurs && !m_locks.serverMode && !m_locks.clientMode);
 }
 
 } // namespace Zorvan

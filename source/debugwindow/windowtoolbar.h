@@ -15,6 +15,7 @@ struct ControlLocks
 {
     bool clientsConnected = false; ///< remote clients have the say: only the log can be cleared
     bool serverMode = false;
+    bool clientMode = false;
     bool hookRuns = false;
 };
 

@@ -158,7 +158,7 @@ TEST(SettingsMenu, OffersClientConnectionsOnlyOnDemand)
         fillSettingsMenu(menu, clients);
         return entriesOf(menu);
     };
-    const QStringList without = QStringLiteral("(4096 Configure Messages...)|-|4176 Copy to Clipboard...|"
+    const QStringList without = QStringLiteral("4096 Configure Messages...|-|4176 Copy to Clipboard...|"
                                                "4192 Save to File...|-|4128 Set Output Font...|"
                                                "4144 Set User Interface Font...|4160 Make Default")
                                     .split(QLatin1Char('|'));

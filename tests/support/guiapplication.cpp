@@ -74,6 +74,36 @@ void giveUp(const char *why)
     std::_Exit(1);
 }
 
+void inMenu(const std::function<void()> &open, const std::function<void(QMenu &)> &act)
+{
+    bool wasOpen = false;
+    QTimer look;
+    QObject::connect(&look, &QTimer::timeout, [&] {
+        if (auto *const menu = qobject_cast<QMenu *>(QApplication::activePopupWidget())) {
+            look.stop();
+            wasOpen = true;
+            act(*menu);
+        }
+    });
+    look.start(1);
+    open();
+    EXPECT_TRUE(wasOpen) << "no menu was shown";
+}
+
+void chooseInMenu(const std::function<void()> &open, const char *entry)
+{
+    inMenu(open, [entry](QMenu &menu) {
+        for (QAction *const action : menu.actions()) {
+            if (action->text() == QLatin1String(entry))
+                menu.setActiveAction(action);
+        }
+        EXPECT_NE(menu.activeAction(), nullptr) << entry;
+        const int key = menu.activeAction() != nullptr ? Qt::Key_Return : Qt::Key_Escape;
+        QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier);
+        QCoreApplication::sendEvent(&menu, &press);
+    });
+}
+
 QList<QDialog *> allDialogs()
 {
     QList<QDialog *> dialogs;

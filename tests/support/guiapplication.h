@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QDialog>
+#include <QMenu>
 #include <QObject>
 #include <QTimer>
 
@@ -65,6 +66,12 @@ auto inWorker(Work work)
 [[nodiscard]] std::string buttonsOf(const QDialog &dialog);
 /// Fails the test if there is no such button.
 void clickButton(QDialog &dialog, const char *text);
+
+/// Does something with the popup menu that \a open shows in a loop of its own; \a act has to close it. Fails
+/// the test if none is shown.
+void inMenu(const std::function<void()> &open, const std::function<void(QMenu &)> &act);
+/// Chooses an entry of that menu.
+void chooseInMenu(const std::function<void()> &open, const char *entry);
 
 /// The library's debug window; null if there is none.
 [[nodiscard]] QWidget *debugWindow();
