@@ -1,6 +1,6 @@
 #include "debug/outputfilter.h"
 
-#include "debug/patternlimits.h"
+#include "host/patternlimits.h"
 
 #include <algorithm>
 

@@ -1,30 +1,234 @@
 #include "debugwindow/analyzeractions.h"
 
-#include <QWidget>
+#include "debugwindow/analysisreports.h"
+#include "debugwindow/handlerreports.h"
+#include "debugwindow/resultswindow.h"
+#include "debugwindow/sourcesdialog.h"
+#include "debugwindow/windowgeometry.h"
+#include "host/hosthandlers.h"
+#include "host/tablestate.h"
+#include "leakanalyzer/analysiscontrol.h"
+#include "leakanalyzer/leaktracker.h"
+#include "leakanalyzer/methodtiming.h"
+#include "settingsdialog/restartmessage.h"
+#include "settingsdialog/rundialog.h"
+
+#include <QMenu>
+#include <QPointer>
+#include <QThread>
 
 namespace Zorvan {
 
-AnalyzerActions::AnalyzerActions(QWidget &window, HandlerReports &)
+namespace {
+
+constexpr QSize tableSize(760, 320);
+
+QString sourcesKey()
+{
+    return QStringLiteral("LeakAnalysisSources");
+}
+
+int opposite(int state)
+{
+    return state == 0 ? 1 : 0;
+}
+
+QRect readTablePlace()
+{
+    const QString stored = host::readString(QStringLiteral("DebugAnalysisWindowGeometry"), QString());
+    const windowgeometry::Desktop desktop = windowgeometry::desktop();
+    return windowgeometry::placed(stored, desktop, windowgeometry::centred(tableSize, desktop));
+}
+
+} // namespace
+
+AnalyzerActions::AnalyzerActions(QWidget &window, HandlerReports &reports)
     : QObject(&window)
+    , m_window(window)
+    , m_handlerReports(reports)
+    , m_reports(new AnalysisReports(this, [this](AnalysisReport report) { show(std::move(report)); }))
 {}
 
 AnalyzerActions::~AnalyzerActions() = default;
 
-void AnalyzerActions::openMenu(const QPoint &) {}
+void AnalyzerActions::openMenu(const QPoint &position)
+{
+    const QPointer<AnalyzerActions> kept(this);
+    const QPointer<QMenu> menu(new QMenu(&m_window));
+    menu->setFont(m_window.font());
+    fillAnalyzerMenu(*menu, analyzerState());
+    int command = 0;
+    {
+        const OwnModal modal(m_handlerReports);
+        if (const QAction *const chosen = menu->exec(position))
+            command = chosen->data().toInt();
+    }
+    delete menu;
+    if (kept)
+        run(static_cast<AnalyzerCommand>(command));
+}
 
-void AnalyzerActions::setOutputFont(const QFont &) {}
+void AnalyzerActions::run(AnalyzerCommand command)
+{
+    switch (command) {
+    case AnalyzerCommand::TrackLeaks:
+        analysis::memoryTrackingEnabled(opposite(analysis::memoryTrackingEnabled(-1)));
+        break;
+    case AnalyzerCommand::TrackMethods:
+        analysis::timeTrackingEnabled(opposite(analysis::timeTrackingEnabled(-1)));
+        break;
+    case AnalyzerCommand::DumpResults:
+        dumpResults();
+        break;
+    case AnalyzerCommand::EnableTools:
+        analysis::toolsEnabled(analyzerState().toolsEnabled ? 0 : 1);
+        tellOfRestart();
+        break;
+    case AnalyzerCommand::AnalyzeStartup:
+        analysis::startupAnalysis(analyzerState().startupAnalyzed ? 0 : 1);
+        tellOfRestart();
+        break;
+    case AnalyzerCommand::ClearResults:
+        clearResults();
+        break;
+    case AnalyzerCommand::SelectSources:
+        selectSources();
+        break;
+    }
+}
+
+void AnalyzerActions::dumpResults()
+{
+    const QPointer<AnalyzerActions> kept(this);
+    const auto goesOn = [&kept, ends = TableState::ends()] {
+        return kept != nullptr && TableState::ends() == ends;
+    };
+    const AnalyzerState state = analyzerState();
+    const QByteArray sources = host::readString(sourcesKey(), QString()).toUtf8();
+    if (state.leaksTracked && goesOn())
+        analysis::dumpLeaks(sources.constData());
+    if (!state.methodsTracked || !goesOn())
+        return;
+    m_isDumping = true;
+    analysis::dumpTimes(sources.constData(), "");
+    if (kept)
+        m_isDumping = false;
+}
+
+void AnalyzerActions::clearResults()
+{
+    const AnalyzerState state = analyzerState();
+    if (state.methodsTracked && m_table) // or it would look as if the times were still there
+        m_table->setReport({});
+    if (state.leaksTracked)
+        analysis::clearLeaks();
+    if (state.methodsTracked)
+        analysis::clearTimes();
+}
+
+void AnalyzerActions::selectSources()
+{
+    const QPointer<AnalyzerActions> kept(this);
+    const auto goesOn = [&kept, ends = TableState::ends()] {
+        return kept != nullptr && TableState::ends() == ends;
+    };
+    const QString stored = host::readString(sourcesKey(), QString());
+    if (!goesOn())
+        return;
+    const QPointer<SourcesDialog> dialog(new SourcesDialog(stored, &m_window));
+    analysis::reportMethods(&dialog->files());
+    if (!dialog || !goesOn()) {
+        delete dialog;
+        return;
+    }
+    std::optional<QString> chosen;
+    {
+        const OwnModal modal(m_handlerReports);
+        chosen = runDialog(dialog.data(), [](const SourcesDialog &accepted) { return accepted.selection(); });
+    }
+    if (chosen && goesOn())
+        host::writeString(sourcesKey(), *chosen);
+}
+
+void AnalyzerActions::tellOfRestart()
+{
+    const OwnModal modal(m_handlerReports);
+    showRestartMessage();
+}
+
+void AnalyzerActions::setOutputFont(const QFont &font)
+{
+    m_outputFont = font;
+    if (m_table)
+        m_table->setFont(font);
+}
 
 QString AnalyzerActions::place(const QString &stored) const
 {
-    return stored;
+    return m_table ? windowgeometry::formatted(m_table->place()) : stored;
 }
 
-void AnalyzerActions::hideResults() {}
+void AnalyzerActions::hideResults()
+{
+    if (m_table)
+        m_table->hide();
+}
 
-void AnalyzerActions::beginReport(qint64, quint64, quint64) {}
+void AnalyzerActions::beginReport(qint64 totalCycles, quint64 earliestStamp, quint64 latestStamp)
+{
+    const bool isAskedFor = QThread::currentThread() == thread() && m_isDumping;
+    m_reports->begin({totalCycles, earliestStamp, latestStamp, isAskedFor});
+}
 
-void AnalyzerActions::addRow(const char *, quint64, int, qint64, qint64) {}
+void AnalyzerActions::addRow(const char *methodName, quint64 thread, int calls, qint64 totalCycles,
+                             qint64 overheadCycles)
+{
+    m_reports->add(methodName, {{}, thread, calls, totalCycles, overheadCycles});
+}
 
-void AnalyzerActions::endReport() {}
+void AnalyzerActions::endReport()
+{
+    m_reports->complete();
+}
+
+void AnalyzerActions::show(AnalysisReport report)
+{
+    const bool hasRows = !report.rows.empty();
+    const bool isAskedFor = report.isAskedFor;
+    if (!m_table && (!hasRows || !makeTable()))
+        return;
+    m_table->setReport(std::move(report));
+    if (hasRows && m_window.isVisible())
+        bringUp(isAskedFor);
+}
+
+/// False: the host's settings were the end of this object.
+bool AnalyzerActions::makeTable()
+{
+    const QPointer<AnalyzerActions> kept(this);
+    const QRect place = readTablePlace();
+    if (!kept)
+        return false;
+    if (m_table) // by a report that came while the host was asked
+        return true;
+    m_table = std::make_unique<ResultsWindow>(place);
+    if (m_outputFont)
+        m_table->setFont(*m_outputFont);
+    return true;
+}
+
+/// Only whoever asked for the results gives up the keyboard for them.
+void AnalyzerActions::bringUp(bool isAskedFor)
+{
+    m_table->setAttribute(Qt::WA_ShowWithoutActivating, !isAskedFor);
+    if (!isAskedFor) {
+        m_table->show();
+        return;
+    }
+    m_table->setWindowState(m_table->windowState() & ~Qt::WindowMinimized);
+    m_table->show();
+    m_table->raise();
+    m_table->activateWindow();
+}
 
 } // namespace Zorvan

@@ -1,15 +1,23 @@
 #pragma once
 
+#include "debugwindow/analyzermenu.h"
+
+#include <QFont>
 #include <QObject>
 #include <QString>
 
-class QFont;
+#include <memory>
+#include <optional>
+
 class QPoint;
 class QWidget;
 
 namespace Zorvan {
 
+class AnalysisReports;
 class HandlerReports;
+class ResultsWindow;
+struct AnalysisReport;
 
 /// What the debug window does with the analysis tools: the menu of its button, and the table of results.
 ///
@@ -18,6 +26,8 @@ class HandlerReports;
 /// with it.
 class AnalyzerActions : public QObject
 {
+    Q_OBJECT
+
 public:
     /// A part of \a window. The geometry of the table comes from the host's settings when it is first shown.
     AnalyzerActions(QWidget &window, HandlerReports &reports);
@@ -26,6 +36,8 @@ public:
     /// Lets the user choose from the menu, whose top left corner is at \a position of the screen, and does
     /// it.
     void openMenu(const QPoint &position);
+    /// Does what an entry of the menu says.
+    void run(AnalyzerCommand command);
 
     /// Of the table, also of one that is made later.
     void setOutputFont(const QFont &font);
@@ -40,6 +52,22 @@ public:
     void addRow(const char *methodName, quint64 thread, int calls, qint64 totalCycles, qint64 overheadCycles);
     void endReport();
     /// @}
+
+private:
+    void dumpResults();
+    void clearResults();
+    void selectSources();
+    void tellOfRestart();
+    void show(AnalysisReport report);
+    [[nodiscard]] bool makeTable();
+    void bringUp(bool isAskedFor);
+
+    QWidget &m_window;
+    HandlerReports &m_handlerReports;
+    AnalysisReports *const m_reports;
+    std::unique_ptr<ResultsWindow> m_table; // since the first report with rows
+    std::optional<QFont> m_outputFont;
+    bool m_isDumping = false; // for the user, in the GUI thread
 };
 
 } // namespace Zorvan

@@ -62,20 +62,32 @@ QRect defaultStrip(const Desktop &desktop)
             qMax(1, area.width() - 2 * frameMarginPx), stripHeightPx};
 }
 
+QRect centred(const QSize &size, const Desktop &desktop)
+{
+    const QRect room = desktop.area.adjusted(frameMarginPx, titleMarginPx, -frameMarginPx, -frameMarginPx);
+    QRect client({}, size.boundedTo(room.size()).expandedTo({1, 1}));
+    client.moveCenter(room.center());
+    return client;
+}
+
 QRect placed(const QString &stored, const Desktop &desktop)
 {
-    const QRect strip = defaultStrip(desktop);
-    QRect client = parsed(stored).value_or(strip);
+    return placed(stored, desktop, defaultStrip(desktop));
+}
+
+QRect placed(const QString &stored, const Desktop &desktop, const QRect &standard)
+{
+    QRect client = parsed(stored).value_or(standard);
     if (desktop.displays != 1)
         return client;
     const QRect &area = desktop.area;
     if (client.x() > area.x() + area.width() || client.x() + client.width() <= area.x()) {
-        client.moveLeft(strip.x());
-        client.setWidth(strip.width());
+        client.moveLeft(standard.x());
+        client.setWidth(standard.width());
     }
     if (client.y() > area.y() + area.height() || client.y() + client.height() <= area.y()) {
-        client.moveTop(strip.y());
-        client.setHeight(strip.height());
+        client.moveTop(standard.y());
+        client.setHeight(standard.height());
     }
     return client;
 }

@@ -27,9 +27,13 @@ struct Desktop
 
 /// The strip at the bottom of the primary display.
 [[nodiscard]] QRect defaultStrip(const Desktop &desktop);
+/// In the middle of the primary display, and no larger than fits there with a frame.
+[[nodiscard]] QRect centred(const QSize &size, const Desktop &desktop);
 /// The client rectangle for a new window: the stored one if it is sound. On the only display a window that
 /// would lie beside or below it gets that part of its place from the default strip.
 [[nodiscard]] QRect placed(const QString &stored, const Desktop &desktop);
+/// The same with another place in the role of the strip.
+[[nodiscard]] QRect placed(const QString &stored, const Desktop &desktop, const QRect &standard);
 /// Where QWidget::move() has to put the frame for this client rectangle.
 [[nodiscard]] QPoint framePosition(const QRect &client);
 

@@ -11,7 +11,7 @@ namespace Zorvan::moduleconfiguration {
 
 [[nodiscard]] QByteArray formatted();
 /// Sets the modules that \a device names; what is unknown or damaged is skipped. The library prints notices,
-/// which runs code of the host.
+/// which runs code of the host; when that ends the library, the rest is not applied.
 void apply(QIODevice &device);
 
 /// Both do nothing and return false if the file cannot be opened, or not be written.

@@ -4,9 +4,11 @@
 
 #include <QDialog>
 
+#include <functional>
 #include <memory>
 
 class QListWidgetItem;
+class QMenu;
 class QPushButton;
 class Ui_configdialog;
 
@@ -28,6 +30,8 @@ public:
 
     /// Shows the present state. It does so by itself when it is shown or becomes the active window.
     void refresh();
+    /// Does what an entry of the menus does, see DialogCommand; other codes do nothing.
+    void command(int code);
 
     /// \name The buttons, whose icons and tooltips come from the debug window
     /// @{
@@ -41,6 +45,8 @@ public:
     Q_SIGNAL void makeDefaultRequested();
 
     Q_SLOT void moduleItemClickedSlot(QListWidgetItem *item);
+    /// The hook of these two comes from the event loop: its handler may delete the dialog, and Qt's list or
+    /// combo box is still at work on the click.
     Q_SLOT void classItemChangedSlot(QListWidgetItem *item);
     Q_SLOT void levelChangedSlot(int index);
     Q_SLOT void customContextMenuSlot(const QPoint &position);
@@ -58,6 +64,41 @@ public:
     Q_SLOT void saveSettings();
     Q_SLOT void loadSettings();
     Q_SLOT void accept() override;
+
+protected:
+    void showEvent(QShowEvent *event) override;
+    void changeEvent(QEvent *event) override;
+    void contextMenuEvent(QContextMenuEvent *event) override;
+
+private:
+    class Updating;
+
+    void connectLists();
+    void connectGlobals();
+    void showFlags();
+    void showModule();
+    void showClasses();
+    void showLevel();
+    void announce(const char *hook, moduleId module);
+    void announceLater(const char *hook, moduleId module);
+    void setFlag(int command);
+    void toggleFlag(unsigned flag, int setCommand);
+    void enableAllClasses(bool enabled);
+    void setAllClasses(moduleId module, bool enabled);
+
+    /// Returns the chosen entry's data; 0 if there is none, or if the dialog is gone.
+    int chosenFrom(const QPoint &globalPosition, const std::function<void(QMenu &)> &fill);
+    void openDialogMenu(const QPoint &globalPosition);
+    void chooseOutputFile();
+    void chooseOutputFileSize();
+    void switchDisplay();
+    static void toggleWithoutWindow();
+    static void toggleReleaseAssertions();
+
+    const std::unique_ptr<Ui_configdialog> m_form;
+    moduleId m_module = -1; ///< shown; -1 if there is none
+    bool m_isUpdating = false; ///< the changes come from the dialog itself, not from its user
+    bool m_isSmallDisplay = false;
 };
 
 } // namespace Zorvan

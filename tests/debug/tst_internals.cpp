@@ -1,7 +1,7 @@
 // Messages of Qt, of kinds that a test cannot raise; which output filters cost too much.
 
-#include "debug/patternlimits.h"
 #include "debug/qtmessages.h"
+#include "host/patternlimits.h"
 #include "support/maphost.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "debug/patternlimits.h"
+#include "host/patternlimits.h"
 
 #include <algorithm>
 #include <vector>
