@@ -33,10 +33,14 @@ protected:
     }
     SettingsDialog *openSettings()
     {
-        robot->leaveOpen();
+        const QPointer<SettingsDialog> kept = window->findChild<SettingsDialog *>();
+        if (kept == nullptr) // the robot knows it otherwise
+            robot->leaveOpen();
         choose("Configure Messages...");
         EXPECT_TRUE(runUntil([this] { return robot->left() == 0; }));
-        return window->findChild<SettingsDialog *>();
+        auto *const dialog = window->findChild<SettingsDialog *>();
+        EXPECT_TRUE(dialog != nullptr && dialog->isVisible());
+        return dialog;
     }
     static QTableView *results()
     {
