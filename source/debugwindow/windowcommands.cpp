@@ -39,6 +39,7 @@ ClientEntry clientEntry()
 void DebugWindow::configuration()
 {
     const QPointer<DebugWindow> kept(this);
+    const unsigned ends = TableState::ends();
     const QPointer<QMenu> menu(new QMenu(this));
     menu->setFont(font());
     fillSettingsMenu(*menu, clientEntry());
@@ -50,7 +51,7 @@ void DebugWindow::configuration()
             command = chosen->data().toInt();
     }
     delete menu;
-    if (kept)
+    if (kept && TableState::ends() == ends)
         run(command);
 }
 
@@ -86,7 +87,12 @@ void DebugWindow::configureMessages()
     if (m_settings == nullptr)
         m_settings = newSettingsDialog();
     const QPointer<SettingsDialog> dialog = m_settings;
-    dialog->show();
+    if (dialog->isVisible())
+        dialog->refresh(); // it does so by itself only when it appears or becomes active
+    if (dialog->isMinimized())
+        dialog->showNormal();
+    else
+        dialog->show();
     if (dialog) {
         dialog->raise();
         dialog->activateWindow();

@@ -75,6 +75,18 @@ std::vector<LevelRow> arranged(const QStringList &descriptions, const QString &f
     return rows.takeSorted();
 }
 
+QStringList entriesWithout(const QString &filter, const QString &other)
+{
+    const QStringList known = other.split(separator);
+    const QSet<QString> without(known.begin(), known.end());
+    QStringList entries;
+    for (const QString &entry : filter.split(separator, Qt::SkipEmptyParts)) {
+        if (!without.contains(entry))
+            entries += entry;
+    }
+    return entries;
+}
+
 QString filterOf(const QStringList &entries)
 {
     return entries.join(separator);

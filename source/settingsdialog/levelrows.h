@@ -21,6 +21,8 @@ struct LevelRow
 /// A row for each different description, and for each entry of \a filter that none of them stands for, so
 /// that what others have set can be kept. The entries of the filter are selected and stand at the top.
 [[nodiscard]] std::vector<LevelRow> arranged(const QStringList &descriptions, const QString &filter);
+/// The entries of \a filter that \a other does not have.
+[[nodiscard]] QStringList entriesWithout(const QString &filter, const QString &other);
 /// The filter that consists of \a entries.
 [[nodiscard]] QString filterOf(const QStringList &entries);
 

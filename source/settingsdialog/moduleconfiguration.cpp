@@ -6,6 +6,7 @@
 #include "host/tablestate.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QHash>
 #include <QSaveFile>
 #include <QStringList>
@@ -113,6 +114,8 @@ void apply(QIODevice &device)
 
 bool save(const QString &path)
 {
+    if (QFileInfo::exists(path) && !QFileInfo(path).isFile()) // opening a pipe waits for somebody else
+        return false;
     QSaveFile file(path); // a disk that is full leaves the old file as it was
     file.setDirectWriteFallback(true); // the file may be writable in a folder that is not
     if (!file.open(QIODevice::WriteOnly | QIODevice::Text))
@@ -124,7 +127,7 @@ bool save(const QString &path)
 bool load(const QString &path)
 {
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
+    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly)) // a device may never end
         return false;
     apply(file);
     return true;

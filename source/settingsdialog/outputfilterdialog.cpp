@@ -76,8 +76,9 @@ bool warnThatLevelsAreHidden(QWidget *parent)
 
 OutputFilterDialog::OutputFilterDialog(QWidget *parent)
     : QDialog(parent)
+    , m_before{Debug::getLevelFilter(), Debug::getOutputFilter()}
     , m_levels(new QListWidget(this))
-    , m_text(new QLineEdit(Debug::getOutputFilter(), this))
+    , m_text(new QLineEdit(this))
     , m_problem(new QLabel(this))
 {
     setWindowTitle(tr("Set level and QRegExp text filter (see tooltip)"));
@@ -89,10 +90,27 @@ OutputFilterDialog::OutputFilterDialog(QWidget *parent)
     buildText(*layout);
     buildButtons(*layout);
     fillLevels();
-    checkText(m_text->text());
+    m_text->setText(m_before.text);
+    m_before.text = m_text->text(); // which has no line feeds
+    checkText(m_before.text);
 }
 
+/// What others have set while the dialog was open stays, as far as the user has changed nothing there.
 OutputFilters OutputFilterDialog::filters() const
+{
+    OutputFilters filters{Debug::getLevelFilter(), Debug::getOutputFilter()};
+    const QStringList entries = chosenEntries();
+    if (entries != m_chosenBefore)
+        filters.levels =
+            levelrows::filterOf(entries + levelrows::entriesWithout(filters.levels, m_before.levels));
+    else if (filters.levels == m_before.levels)
+        filters.levels = levelrows::filterOf(entries); // without empty entries
+    if (m_text->text() != m_before.text)
+        filters.text = m_text->text();
+    return filters;
+}
+
+QStringList OutputFilterDialog::chosenEntries() const
 {
     QStringList entries;
     for (int row = 0; row < m_levels->count(); ++row) {
@@ -100,7 +118,7 @@ OutputFilters OutputFilterDialog::filters() const
         if (item.isSelected())
             entries += item.data(entryRole).toString();
     }
-    return {levelrows::filterOf(entries), m_text->text()};
+    return entries;
 }
 
 void OutputFilterDialog::buildLevels(QVBoxLayout &layout)
@@ -150,12 +168,18 @@ void OutputFilterDialog::buildButtons(QVBoxLayout &layout)
 
 void OutputFilterDialog::fillLevels()
 {
-    for (const auto &row : levelrows::arranged(levelrows::descriptionsInUse(), Debug::getLevelFilter())) {
+    int selected = 0; // those at the top: one by one, a long filter would take minutes
+    for (const auto &row : levelrows::arranged(levelrows::descriptionsInUse(), m_before.levels)) {
         auto *const item = new QListWidgetItem(row.text, m_levels);
         item->setData(entryRole, row.entry);
         item->setToolTip(plainToolTip(row.entry));
-        item->setSelected(row.isSelected);
+        selected += row.isSelected ? 1 : 0;
     }
+    const QAbstractItemModel &model = *m_levels->model();
+    if (selected > 0)
+        m_levels->selectionModel()->select({model.index(0, 0), model.index(selected - 1, 0)},
+                                           QItemSelectionModel::Select);
+    m_chosenBefore = chosenEntries();
     const int rowHeight = std::max(m_levels->sizeHintForRow(0), m_levels->fontMetrics().height());
     m_levels->setMinimumHeight(fewestVisibleLevels * rowHeight + 2 * m_levels->frameWidth());
 }

@@ -32,7 +32,10 @@ private:
     void buildButtons(QVBoxLayout &layout);
     void fillLevels();
     void checkText(const QString &text);
+    [[nodiscard]] QStringList chosenEntries() const;
 
+    OutputFilters m_before; // as they were when the dialog opened
+    QStringList m_chosenBefore;
     QListWidget *m_levels;
     QLineEdit *m_text;
     QLabel *m_problem;

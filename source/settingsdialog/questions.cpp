@@ -2,9 +2,31 @@
 
 #include "settingsdialog/rundialog.h"
 
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
 #include <QInputDialog>
+#include <QMessageBox>
 
 namespace Zorvan::questions {
+
+namespace {
+
+bool mayOverwrite(QWidget *parent, const QString &title, const QString &path)
+{
+    const QPointer<QMessageBox> box(new QMessageBox(QMessageBox::Warning, title,
+                                                    QCoreApplication::translate("Zorvan::Questions",
+                                                                                "%1 already exists.\n"
+                                                                                "Do you want to replace it?")
+                                                        .arg(QDir::toNativeSeparators(path)),
+                                                    QMessageBox::Yes | QMessageBox::No, parent));
+    box->setTextFormat(Qt::PlainText);
+    const bool isAllowed = box->exec() == QMessageBox::Yes && box;
+    delete box;
+    return isAllowed;
+}
+
+} // namespace
 
 std::optional<QString> askForFile(QWidget *parent, const FileQuestion &question)
 {
@@ -16,7 +38,18 @@ std::optional<QString> askForFile(QWidget *parent, const FileQuestion &question)
         dialog->setDefaultSuffix(question.suffix);
     if (!question.name.isEmpty())
         dialog->selectFile(question.name);
-    return runDialog(dialog, [](const QFileDialog &accepted) { return accepted.selectedFiles().value(0); });
+    const QPointer<QWidget> kept(parent);
+    auto path =
+        runDialog(dialog, [](const QFileDialog &accepted) { return accepted.selectedFiles().value(0); });
+    const QString end = QLatin1Char('.') + question.suffix;
+    const bool isOther = path && !path->isEmpty() && isWritten && !question.suffix.isEmpty()
+        && !path->endsWith(end, Qt::CaseInsensitive); // the dialog has asked about another file
+    if (!isOther)
+        return path;
+    *path += end;
+    if (kept != parent || (QFileInfo::exists(*path) && !mayOverwrite(parent, question.title, *path)))
+        return std::nullopt;
+    return path;
 }
 
 std::optional<QString> askForText(QWidget *parent, const QString &title, const QString &label,

@@ -16,7 +16,7 @@ struct FileQuestion
     QString title;
     QString filter; ///< as in QFileDialog
     QFileDialog::AcceptMode mode = QFileDialog::AcceptOpen; ///< an existing file, or one to be written
-    QString suffix{}; ///< appended to the name of a file to be written, if it has none
+    QString suffix{}; ///< appended to the name of a file to be written, if it does not have it
     QString folder{}; ///< where to begin; empty: the working directory
     QString name{}; ///< a file in it that is proposed
 };

@@ -10,6 +10,7 @@
 #include "settingsdialog/outputfilterdialog.h"
 #include "ui_configdialog.h"
 
+#include <QCoreApplication>
 #include <QPointer>
 
 namespace Zorvan {
@@ -20,6 +21,11 @@ constexpr const char *classesHook = "DebugServerEnabledClassesChangedHook";
 constexpr const char *levelHook = "DebugServerEnabledLevelChangedHook";
 constexpr const char *settingsHook = "DebugServerSettingsChangedHook";
 constexpr const char *filterHook = "DebugServerFilterChangedHook";
+
+void activate(const char *hook, moduleId module)
+{
+    Debug::activateHooks(hook, QByteArray::number(module).constData());
+}
 
 /// A list that shows the texts already keeps its scroll position.
 void showTexts(QListWidget &list, const QStringList &texts)
@@ -119,6 +125,8 @@ void SettingsDialog::connectGlobals()
     connect(openButton(), &QPushButton::clicked, this, &SettingsDialog::loadSettings);
     connect(saveButton(), &QPushButton::clicked, this, &SettingsDialog::saveSettings);
     connect(closeButton(), &QPushButton::clicked, this, &SettingsDialog::accept);
+    for (QPushButton *const button : {filterButton(), openButton(), saveButton(), closeButton()})
+        button->setAutoDefault(false); // Return in a list is not meant for them
 }
 
 QPushButton *SettingsDialog::filterButton() const
@@ -229,15 +237,20 @@ void SettingsDialog::levelChangedSlot(int index)
 
 void SettingsDialog::announceLater(const char *hook, moduleId module)
 {
-    QMetaObject::invokeMethod(
-        this, [this, hook, module] { announce(hook, module); }, Qt::QueuedConnection);
+    const auto announceIt = [kept = QPointer<SettingsDialog>(this), hook, module] {
+        if (kept)
+            kept->announce(hook, module);
+        else // the change is there, also without a dialog
+            activate(hook, module);
+    };
+    QMetaObject::invokeMethod(QCoreApplication::instance(), announceIt, Qt::QueuedConnection);
 }
 
 /// Shows afterwards what has come of it: handlers may change more, and the library may have refused.
 void SettingsDialog::announce(const char *hook, moduleId module)
 {
     const QPointer<SettingsDialog> kept(this);
-    Debug::activateHooks(hook, QByteArray::number(module).constData());
+    activate(hook, module);
     if (kept)
         kept->refresh();
 }
@@ -291,10 +304,9 @@ void SettingsDialog::clearChanged()
     setFlag(m_form->clearCheck->isChecked() ? -13 : -14);
 }
 
-void SettingsDialog::enableAllClasses(bool enabled)
+void SettingsDialog::enableAllClasses(moduleId module, bool enabled)
 {
     const QPointer<SettingsDialog> kept(this);
-    const moduleId module = m_module;
     setAllClasses(module, enabled);
     if (kept)
         announce(classesHook, module);
@@ -305,6 +317,7 @@ void SettingsDialog::setAllClasses(moduleId module, bool enabled)
     const Updating updating(*this);
     const QPointer<SettingsDialog> kept(this);
     const auto wanted = enabled ? Qt::Checked : Qt::Unchecked;
+    showClasses(); // others may have switched some
     for (int cls = 0; kept && cls < m_form->classesList->count(); ++cls) {
         QListWidgetItem &item = *m_form->classesList->item(cls);
         if (item.checkState() == wanted)

@@ -83,7 +83,7 @@ private:
     void announceLater(const char *hook, moduleId module);
     void setFlag(int command);
     void toggleFlag(unsigned flag, int setCommand);
-    void enableAllClasses(bool enabled);
+    void enableAllClasses(moduleId module, bool enabled);
     void setAllClasses(moduleId module, bool enabled);
 
     /// Returns the chosen entry's data; 0 if there is none, or if the dialog is gone.

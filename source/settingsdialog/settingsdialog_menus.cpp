@@ -38,20 +38,22 @@ bool isLatin1(const QString &text)
 int SettingsDialog::chosenFrom(const QPoint &globalPosition, const std::function<void(QMenu &)> &fill)
 {
     const QPointer<SettingsDialog> kept(this);
+    const unsigned ends = TableState::ends();
     const QPointer<QMenu> menu(new QMenu(this));
     menu->setFont(font());
     fill(*menu);
     const QAction *const chosen = menu->exec(globalPosition);
     const int code = chosen == nullptr ? 0 : chosen->data().toInt();
     delete menu;
-    return kept ? code : 0;
+    return kept && TableState::ends() == ends ? code : 0;
 }
 
 void SettingsDialog::openDialogMenu(const QPoint &globalPosition)
 {
     const QPointer<SettingsDialog> kept(this);
+    const unsigned ends = TableState::ends();
     const DialogMenuState state = presentMenuState(m_isSmallDisplay);
-    if (!kept)
+    if (!kept || TableState::ends() != ends)
         return;
     if (const int code = chosenFrom(globalPosition, [&state](QMenu &menu) { fillDialogMenu(menu, state); }))
         command(code);
@@ -79,8 +81,10 @@ void SettingsDialog::fileContextMenuRequested(const QPoint &position)
 void SettingsDialog::customContextMenuSlot(const QPoint &position)
 {
     const QPoint place = m_form->classesList->viewport()->mapToGlobal(position);
-    if (const int code = chosenFrom(place, fillClassesMenu))
-        enableAllClasses(static_cast<ClassesCommand>(code) == ClassesCommand::EnableAll);
+    const moduleId module = m_module;
+    const int code = chosenFrom(place, fillClassesMenu);
+    if (code != 0 && m_module == module) // else the classes are those of another one by now
+        enableAllClasses(module, static_cast<ClassesCommand>(code) == ClassesCommand::EnableAll);
 }
 
 void SettingsDialog::command(int code)
@@ -187,17 +191,13 @@ void SettingsDialog::toggleReleaseAssertions()
 
 void SettingsDialog::saveSettings()
 {
-    const QString suffix = QStringLiteral("dbgcfg");
     const questions::FileQuestion question{tr("Save configuration as..."),
                                            tr("Debug Server Settings (*.dbgcfg)"), QFileDialog::AcceptSave,
-                                           suffix};
+                                           QStringLiteral("dbgcfg")};
     const unsigned ends = TableState::ends();
-    QString path = questions::askForFile(this, question).value_or(QString());
-    if (path.isEmpty() || TableState::ends() != ends)
-        return;
-    if (!path.endsWith(QLatin1Char('.') + suffix, Qt::CaseInsensitive))
-        path += QLatin1Char('.') + suffix;
-    moduleconfiguration::save(path);
+    const QString path = questions::askForFile(this, question).value_or(QString());
+    if (!path.isEmpty() && TableState::ends() == ends)
+        moduleconfiguration::save(path);
 }
 
 void SettingsDialog::loadSettings()

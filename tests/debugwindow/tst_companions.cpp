@@ -5,6 +5,7 @@
 #include "leakanalyzer/analysiscontrol.h"
 #include "settingsdialog/settingsdialog.h"
 
+#include <QCheckBox>
 #include <QFontDialog>
 #include <QListWidget>
 #include <QPointer>
@@ -21,11 +22,17 @@ using namespace Zorvan::test;
 class Companions : public BoxTest
 {
 protected:
-    Companions()
+    Companions() { showWindow(); }
+    void showWindow()
     {
         Debug::showDebugWindow();
         EXPECT_TRUE(runUntil([] { return debugWindow() != nullptr; }));
         window = qobject_cast<DebugWindow *>(debugWindow());
+    }
+    void startAgain()
+    {
+        Debug::initDebug();
+        showWindow();
     }
     void choose(const char *entry)
     {
@@ -92,6 +99,9 @@ TEST_F(Companions, OpenSettingsDialogFollowsWhatOthersChange)
     Debug::setModuleDescription(kernel, "Renamed", "Kernel");
     ASSERT_TRUE(Debug::isActive(kernel, 0, 0));
     EXPECT_TRUE(runUntil([&] { return !modules->findItems(QStringLiteral("Renamed"), {}).isEmpty(); }));
+    Debug::setDisplayFlags(-7);
+    EXPECT_EQ(openSettings(), dialog);
+    EXPECT_TRUE(dialog->findChild<QCheckBox *>(QStringLiteral("threadCheck"))->isChecked());
     host.store("DebugServerFileSize", "?");
     dialog->makeDefault();
     EXPECT_NE(host.stored("DebugServerFileSize"), QStringLiteral("?"));
@@ -131,6 +141,21 @@ TEST_F(Companions, LeaveTheScreenWithTheLibrary)
     Debug::initDebug();
 }
 
+TEST_F(Companions, SettingsDialogMayGoWhileOneOfItsDialogsIsOpen)
+{
+    for (QPushButton *(SettingsDialog::*const which)() const :
+         {&SettingsDialog::openButton, &SettingsDialog::saveButton, &SettingsDialog::filterButton}) {
+        QPushButton *const button = (openSettings()->*which)();
+        robot->then([](QDialog &open) {
+            Debug::exitDebug();
+            open.reject();
+        });
+        button->click();
+        EXPECT_TRUE(runUntil([this] { return window == nullptr; }));
+        startAgain();
+    }
+}
+
 TEST_F(Companions, MayGoWhileTheirMenusAndDialogsAreOpen)
 {
     analysis::toolsEnabled(1);
@@ -141,10 +166,7 @@ TEST_F(Companions, MayGoWhileTheirMenusAndDialogsAreOpen)
                    menu.close();
                });
         EXPECT_TRUE(runUntil([this] { return window == nullptr; }));
-        Debug::initDebug();
-        Debug::showDebugWindow();
-        EXPECT_TRUE(runUntil([] { return debugWindow() != nullptr; }));
-        window = qobject_cast<DebugWindow *>(debugWindow());
+        startAgain();
     }
 }
 

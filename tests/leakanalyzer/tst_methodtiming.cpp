@@ -289,16 +289,5 @@ TEST_F(MethodTiming, namesAreCopied)
     EXPECT_EQ(recorder.texts.at(0).source, "folder/gone.cpp");
 }
 
-TEST_F(MethodTiming, nullNamesAreAccepted)
-{
-    startMethod(1, nullptr, nullptr);
-    endMethod(1);
-    startMethod(2, "a.cpp", nullptr);
-    endMethod(2);
-    TimesRecorder recorder;
-    recorder.dump();
-    EXPECT_EQ(recorder.row("").calls, 1);
-}
-
 } // namespace
 } // namespace Zorvan::test

@@ -136,13 +136,6 @@ TEST_F(TimesReport, switchOfTheHandlerOutlastsTheReport)
     EXPECT_EQ(analysis::makeMethodId("a.cpp", 1), -1);
 }
 
-TEST_F(TimesReport, withoutAHandlerNothingHappens)
-{
-    measure(1, "a.cpp", "a", 10);
-    analysis::dumpTimes(nullptr, nullptr);
-    EXPECT_GE(analysis::makeMethodId("a.cpp", 1), 0);
-}
-
 TEST_F(TimesReport, eventsAreToldWithTheGapsBetweenThem)
 {
     TimesRecorder recorder;

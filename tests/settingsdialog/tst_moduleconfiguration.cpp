@@ -92,6 +92,12 @@ TEST_F(ModuleConfiguration, FilesThatCannotBeOpenedChangeNothing)
     EXPECT_EQ(state(id), "2: 0 1");
 }
 
+TEST_F(ModuleConfiguration, WhatIsNoFileIsNotWaitedFor)
+{
+    EXPECT_FALSE(moduleconfiguration::load(QStringLiteral("/dev/zero")));
+    EXPECT_FALSE(moduleconfiguration::save(QStringLiteral("/dev/full")));
+}
+
 TEST_F(ModuleConfiguration, LinesAreUnderstoodWhateverTheirEndsAndLevels)
 {
     const moduleId id = module("Alpha", {"<Init>: ", "<Initial>: ", "<Error>: "});

@@ -114,6 +114,29 @@ TEST_F(OutputFilter, OkSetsWhatWasChosenAndKeepsWhatOthersHaveSet)
     });
     EXPECT_TRUE(editOutputFilter(nullptr));
     EXPECT_EQ(printed(), Strings{"Filtered <  info>: started"});
+    for (const bool isChanged : {false, true}) {
+        Debug::setLevelFilter(QStringLiteral("a|b"));
+        robot->then([isChanged](QDialog &dialog) {
+            Debug::setLevelFilter(QStringLiteral("a|b;remote|c"));
+            Debug::setOutputFilter(QStringLiteral("remote"));
+            if (isChanged)
+                clickRow(dialog, 0);
+            clickButton(dialog, "Ok");
+        });
+        EXPECT_TRUE(editOutputFilter(nullptr));
+        EXPECT_EQ(filters(), isChanged ? "remote|c & remote" : "a|b;remote|c & remote");
+    }
+}
+
+TEST_F(OutputFilter, ListsALongFilter)
+{
+    QString filter;
+    for (int i = 0; i < 20'000; ++i)
+        filter += QStringLiteral(";|text %1").arg(i);
+    Debug::setLevelFilter(filter.mid(1));
+    robot->click("Ok");
+    EXPECT_TRUE(editOutputFilter(nullptr));
+    EXPECT_EQ(Debug::getLevelFilter(), filter.mid(1));
 }
 
 TEST_F(OutputFilter, WithoutLevelsInTheLinesItWarnsAndKeepsTheLevelFilter)

@@ -207,6 +207,8 @@ TEST_F(Settings, SwitchesClassesAndLevelsOfTheSelectedModule)
     EXPECT_EQ(inMenuOf(*classes().viewport(), 2), "enable all...=1 disable all...=2 ");
     EXPECT_EQ(Debug::getEnabledMessageClasses(alpha), QStringLiteral("none"));
     EXPECT_EQ(shownClasses(), " -Init -Error -(class 2)");
+    Debug::enableMessageClassType(alpha, -1);
+    Debug::disableMessageClassType(alpha, 1); // neither is shown yet
     inMenuOf(*classes().viewport(), 1);
     EXPECT_EQ(Debug::getEnabledMessageClasses(alpha), QStringLiteral("all"));
     EXPECT_EQ(hooks.takeCalls(), Calls(2, call(hookKeys[0], alpha)));
@@ -416,6 +418,9 @@ TEST_F(Settings, SavesAndLoadsTheConfiguration)
     toggleClass(0);
     toggleClass(1);
     hooks.takeCalls();
+    robot->choose(folder.filePath(QStringLiteral("bench.2"))); // another one than the file dialog looks for
+    robot->click("No");
+    dialog->saveButton()->click();
     robot->choose(folder.filePath(QStringLiteral("bench.2.dbgcfg")));
     dialog->openButton()->click();
     EXPECT_EQ(shownClasses(), " +Init -Error -(class 2)");
