@@ -58,9 +58,17 @@ void AnalysisReports::complete() noexcept
     try {
         if (!m_complete)
             QCoreApplication::postEvent(this, new QEvent(reportWaits()));
-        m_complete = std::move(found->second);
+        if (!m_complete || !m_complete->isAskedFor || found->second.isAskedFor) // somebody waits for those
+            m_complete = std::move(found->second);
     } catch (const std::bad_alloc &) {}
     m_open.erase(found);
+}
+
+void AnalysisReports::drop() noexcept
+{
+    const platform::Locked guard(m_lock);
+    m_open.clear();
+    m_complete.reset();
 }
 
 bool AnalysisReports::event(QEvent *event)

@@ -31,10 +31,12 @@ struct AnalysisReport
     quint64 latestStamp = 0;
     bool isAskedFor = false; ///< by the user of the window, who is waiting for it
     std::vector<MethodRow> rows{};
+    unsigned ends = 0; ///< of the library when it began, see TableState
 };
 
 /// Puts reports together, which come piece by piece on any thread, and hands them to the thread of this
-/// object. Each thread makes a report of its own. Only the latest complete one is handed over.
+/// object. Each thread makes a report of its own. Only the latest complete one is handed over, or the latest
+/// that was asked for.
 ///
 /// Nothing throws: a report for which there is no memory is dropped.
 class AnalysisReports : public QObject
@@ -50,6 +52,8 @@ public:
     void begin(AnalysisReport summary) noexcept;
     void add(const char *name, MethodRow row) noexcept;
     void complete() noexcept;
+    /// Drops all reports that were not handed over, also those that are not complete.
+    void drop() noexcept;
     /// @}
 
 protected:

@@ -40,6 +40,43 @@ QRect readTablePlace()
     return windowgeometry::placed(stored, desktop, windowgeometry::centred(tableSize, desktop));
 }
 
+/// Whether an object is still there, and the library has not ended since.
+class Watch
+{
+public:
+    explicit Watch(const QObject *object, unsigned ends = TableState::ends())
+        : m_object(object)
+        , m_ends(ends)
+    {}
+    [[nodiscard]] bool goesOn() const { return m_object != nullptr && TableState::ends() == m_ends; }
+
+private:
+    const QPointer<const QObject> m_object;
+    const unsigned m_ends;
+};
+
+/// Sets a member of an object that may be deleted meanwhile.
+class FlagScope
+{
+public:
+    FlagScope(const QObject *owner, bool &flag)
+        : m_owner(owner)
+        , m_flag(flag)
+    {
+        m_flag = true;
+    }
+    ~FlagScope()
+    {
+        if (m_owner != nullptr)
+            m_flag = false;
+    }
+    Q_DISABLE_COPY(FlagScope)
+
+private:
+    const QPointer<const QObject> m_owner;
+    bool &m_flag;
+};
+
 } // namespace
 
 AnalyzerActions::AnalyzerActions(QWidget &window, HandlerReports &reports)
@@ -53,7 +90,7 @@ AnalyzerActions::~AnalyzerActions() = default;
 
 void AnalyzerActions::openMenu(const QPoint &position)
 {
-    const QPointer<AnalyzerActions> kept(this);
+    const Watch watch(this);
     const QPointer<QMenu> menu(new QMenu(&m_window));
     menu->setFont(m_window.font());
     fillAnalyzerMenu(*menu, analyzerState());
@@ -64,7 +101,7 @@ void AnalyzerActions::openMenu(const QPoint &position)
             command = chosen->data().toInt();
     }
     delete menu;
-    if (kept)
+    if (watch.goesOn())
         run(static_cast<AnalyzerCommand>(command));
 }
 
@@ -99,20 +136,15 @@ void AnalyzerActions::run(AnalyzerCommand command)
 
 void AnalyzerActions::dumpResults()
 {
-    const QPointer<AnalyzerActions> kept(this);
-    const auto goesOn = [&kept, ends = TableState::ends()] {
-        return kept != nullptr && TableState::ends() == ends;
-    };
+    const Watch watch(this);
     const AnalyzerState state = analyzerState();
     const QByteArray sources = host::readString(sourcesKey(), QString()).toUtf8();
-    if (state.leaksTracked && goesOn())
+    if (state.leaksTracked && watch.goesOn())
         analysis::dumpLeaks(sources.constData());
-    if (!state.methodsTracked || !goesOn())
+    if (!state.methodsTracked || !watch.goesOn())
         return;
-    m_isDumping = true;
+    const FlagScope dumping(this, m_isDumping);
     analysis::dumpTimes(sources.constData(), "");
-    if (kept)
-        m_isDumping = false;
 }
 
 void AnalyzerActions::clearResults()
@@ -128,16 +160,13 @@ void AnalyzerActions::clearResults()
 
 void AnalyzerActions::selectSources()
 {
-    const QPointer<AnalyzerActions> kept(this);
-    const auto goesOn = [&kept, ends = TableState::ends()] {
-        return kept != nullptr && TableState::ends() == ends;
-    };
+    const Watch watch(this);
     const QString stored = host::readString(sourcesKey(), QString());
-    if (!goesOn())
+    if (!watch.goesOn())
         return;
     const QPointer<SourcesDialog> dialog(new SourcesDialog(stored, &m_window));
     analysis::reportMethods(&dialog->files());
-    if (!dialog || !goesOn()) {
+    if (!dialog || !watch.goesOn()) {
         delete dialog;
         return;
     }
@@ -146,7 +175,7 @@ void AnalyzerActions::selectSources()
         const OwnModal modal(m_handlerReports);
         chosen = runDialog(dialog.data(), [](const SourcesDialog &accepted) { return accepted.selection(); });
     }
-    if (chosen && goesOn())
+    if (chosen && watch.goesOn())
         host::writeString(sourcesKey(), *chosen);
 }
 
@@ -170,65 +199,70 @@ QString AnalyzerActions::place(const QString &stored) const
 
 void AnalyzerActions::hideResults()
 {
+    m_reports->drop();
     if (m_table)
         m_table->hide();
 }
 
-void AnalyzerActions::beginReport(qint64 totalCycles, quint64 earliestStamp, quint64 latestStamp)
+void AnalyzerActions::beginReport(qint64 totalCycles, quint64 earliestStamp, quint64 latestStamp) noexcept
 {
     const bool isAskedFor = QThread::currentThread() == thread() && m_isDumping;
-    m_reports->begin({totalCycles, earliestStamp, latestStamp, isAskedFor});
+    m_reports->begin({totalCycles, earliestStamp, latestStamp, isAskedFor, {}, TableState::ends()});
 }
 
 void AnalyzerActions::addRow(const char *methodName, quint64 thread, int calls, qint64 totalCycles,
-                             qint64 overheadCycles)
+                             qint64 overheadCycles) noexcept
 {
     m_reports->add(methodName, {{}, thread, calls, totalCycles, overheadCycles});
 }
 
-void AnalyzerActions::endReport()
+void AnalyzerActions::endReport() noexcept
 {
     m_reports->complete();
 }
 
 void AnalyzerActions::show(AnalysisReport report)
 {
+    const Watch watch(this, report.ends);
     const bool hasRows = !report.rows.empty();
     const bool isAskedFor = report.isAskedFor;
-    if (!m_table && (!hasRows || !makeTable()))
+    if (watch.goesOn() && !m_table && hasRows)
+        makeTable();
+    if (!watch.goesOn() || !m_table)
         return;
     m_table->setReport(std::move(report));
     if (hasRows && m_window.isVisible())
         bringUp(isAskedFor);
 }
 
-/// False: the host's settings were the end of this object.
-bool AnalyzerActions::makeTable()
+/// Not if the host's settings are the end of this object or of the library.
+void AnalyzerActions::makeTable()
 {
-    const QPointer<AnalyzerActions> kept(this);
+    const Watch watch(this);
     const QRect place = readTablePlace();
-    if (!kept)
-        return false;
-    if (m_table) // by a report that came while the host was asked
-        return true;
+    if (!watch.goesOn() || m_table) // by a report that came while the host was asked
+        return;
     m_table = std::make_unique<ResultsWindow>(place);
     if (m_outputFont)
         m_table->setFont(*m_outputFont);
-    return true;
 }
 
-/// Only whoever asked for the results gives up the keyboard for them.
+/// Only whoever asked for the results gives up the keyboard for them. To be shown may be the end of the
+/// table, by a filter for events that the host has installed.
 void AnalyzerActions::bringUp(bool isAskedFor)
 {
-    m_table->setAttribute(Qt::WA_ShowWithoutActivating, !isAskedFor);
-    if (!isAskedFor) {
-        m_table->show();
+    const QPointer<ResultsWindow> table(m_table.get());
+    table->setAttribute(Qt::WA_ShowWithoutActivating, !isAskedFor);
+    if (isAskedFor)
+        table->setWindowState(table->windowState() & ~Qt::WindowMinimized);
+    if (table)
+        table->show();
+    if (!isAskedFor)
         return;
-    }
-    m_table->setWindowState(m_table->windowState() & ~Qt::WindowMinimized);
-    m_table->show();
-    m_table->raise();
-    m_table->activateWindow();
+    if (table)
+        table->raise();
+    if (table)
+        table->activateWindow();
 }
 
 } // namespace Zorvan

@@ -43,14 +43,15 @@ public:
     void setOutputFont(const QFont &font);
     /// The table's geometry as it is to be stored; \a stored while there has been no table.
     [[nodiscard]] QString place(const QString &stored) const;
-    /// Takes the table from the screen. Its results stay.
+    /// Takes the table from the screen. Its results stay, reports that are still on their way do not.
     void hideResults();
 
     /// \name A report, see IAnalysisOutputInterface. Any thread; each makes a report of its own.
     /// @{
-    void beginReport(qint64 totalCycles, quint64 earliestStamp, quint64 latestStamp);
-    void addRow(const char *methodName, quint64 thread, int calls, qint64 totalCycles, qint64 overheadCycles);
-    void endReport();
+    void beginReport(qint64 totalCycles, quint64 earliestStamp, quint64 latestStamp) noexcept;
+    void addRow(const char *methodName, quint64 thread, int calls, qint64 totalCycles,
+                qint64 overheadCycles) noexcept;
+    void endReport() noexcept;
     /// @}
 
 private:
@@ -59,7 +60,7 @@ private:
     void selectSources();
     void tellOfRestart();
     void show(AnalysisReport report);
-    [[nodiscard]] bool makeTable();
+    void makeTable();
     void bringUp(bool isAskedFor);
 
     QWidget &m_window;

@@ -35,8 +35,10 @@ QString CheckBoxDelegate::displayText(const QVariant &value, const QLocale &loca
 void CheckBoxDelegate::initStyleOption(QStyleOptionViewItem *option, const QModelIndex &index) const
 {
     QStyledItemDelegate::initStyleOption(option, index);
-    if (isNumber(index.data()))
-        option->displayAlignment = Qt::AlignRight | Qt::AlignVCenter;
+    if (!isNumber(index.data()))
+        return;
+    option->displayAlignment = Qt::AlignRight | Qt::AlignVCenter;
+    option->textElideMode = Qt::ElideNone; // without some of its digits it would read as another number
 }
 
 } // namespace Zorvan

@@ -15,6 +15,7 @@
 #include <QStandardItemModel>
 
 #include <algorithm>
+#include <new>
 
 namespace Zorvan {
 
@@ -23,6 +24,7 @@ namespace {
 constexpr int sliceMs = 10; // a user does not feel it
 constexpr int rowsAtOnce = 16; // between two looks at the clock
 constexpr int measuredRows = 200; // whose contents count for the widths of the columns
+constexpr int insertionRole = Qt::UserRole + 1; // to sort by
 constexpr int rowPaddingPx = 4;
 constexpr int narrowestNamePx = 160;
 
@@ -124,12 +126,30 @@ void sortRows(AnalysisReport &report, int column, Qt::SortOrder order)
         });
 }
 
-QList<QStandardItem *> itemsFor(const AnalysisReport &report, const MethodRow &row)
+/// Also knows where it was put in.
+class Cell : public QStandardItem
+{
+public:
+    explicit Cell(std::size_t number)
+        : m_number(number)
+    {}
+    bool operator<(const QStandardItem &other) const override
+    {
+        if (model()->sortRole() != insertionRole)
+            return QStandardItem::operator<(other);
+        return m_number < static_cast<const Cell &>(other).m_number;
+    }
+
+private:
+    const std::size_t m_number;
+};
+
+QList<QStandardItem *> itemsFor(const AnalysisReport &report, const MethodRow &row, std::size_t number)
 {
     QList<QStandardItem *> items;
     items.reserve(ResultsWindow::columnCount);
     for (int column = 0; column < ResultsWindow::columnCount; ++column) {
-        auto *const item = new QStandardItem;
+        auto *const item = new Cell(number);
         item->setData(cell(report, row, column), Qt::DisplayRole);
         items += item;
     }
@@ -161,6 +181,17 @@ ResultsWindow::ResultsWindow(const QRect &client)
     fitRowHeight();
     m_fillTimer.setInterval(0); // whenever the event loop has nothing else to do
     connect(&m_fillTimer, &QTimer::timeout, this, &ResultsWindow::fillOn);
+    connect(horizontalHeader(), &QHeaderView::sectionResized, this,
+            [this] { m_areColumnsTheUsers = m_areColumnsTheUsers || !m_isFitting; });
+}
+
+ResultsWindow::~ResultsWindow()
+{
+    m_fillTimer.stop();
+    const QItemSelectionModel *const selected = selectionModel();
+    setModel(nullptr);
+    delete selected;
+    unsort();
 }
 
 void ResultsWindow::addHeaders()
@@ -196,17 +227,38 @@ void ResultsWindow::fitRowHeight()
 /// The names get what the numbers leave.
 void ResultsWindow::fitColumns()
 {
+    if (m_areColumnsTheUsers || m_model->rowCount() == 0)
+        return;
+    m_isFitting = true;
     resizeColumnsToContents();
+    for (int column = MethodName + 1; column < columnCount; ++column)
+        setColumnWidth(column, qMax(columnWidth(column), neededWidth(column)));
     const int visible = width() - verticalScrollBar()->sizeHint().width();
     const int numbers = horizontalHeader()->length() - columnWidth(MethodName);
     setColumnWidth(MethodName, qMax(narrowestNamePx, visible - numbers));
-    m_areColumnsFitted = true;
+    m_isFitting = false;
+}
+
+/// By the widest number, in whichever row it is.
+int ResultsWindow::neededWidth(int column) const
+{
+    const double widest = m_widest[static_cast<std::size_t>(column)];
+    QVariant value = widest;
+    if (column == Calls)
+        value = static_cast<int>(widest);
+    else if (column == ThreadId)
+        value = static_cast<quint64>(widest);
+    const QString text = CheckBoxDelegate().displayText(value, locale());
+    const int margin = style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, this) + 1;
+    return fontMetrics().horizontalAdvance(text) + 2 * margin + 1;
 }
 
 void ResultsWindow::setReport(AnalysisReport report)
 {
     m_report = std::move(report);
     m_filled = 0;
+    m_widest = {};
+    unsort();
     m_areOldRowsGone = false;
     order();
     m_fillTimer.start();
@@ -220,15 +272,31 @@ void ResultsWindow::order()
     sortRows(m_report, m_orderedBy, m_order);
 }
 
+/// Brings the rows back into the order in which they came. An item that goes asks where it stands, and the
+/// model looks for it from where it was put in: elsewhere that takes as many steps as there are items.
+void ResultsWindow::unsort()
+{
+    try {
+        m_model->setSortRole(insertionRole);
+        m_model->sort(MethodName);
+    } catch (const std::bad_alloc &) {} // it only takes longer then
+    m_model->setSortRole(Qt::DisplayRole);
+}
+
 void ResultsWindow::fillOn()
 {
     QElapsedTimer slice;
     slice.start();
-    while (fillSome()) {
-        if (slice.elapsed() >= sliceMs)
-            return;
+    try {
+        while (fillSome()) {
+            if (slice.elapsed() >= sliceMs)
+                return;
+        }
+        finish();
+    } catch (const std::bad_alloc &) { // the rows so far have to do
+        m_fillTimer.stop();
+        m_report.rows = {};
     }
-    finish();
 }
 
 /// Takes some of the old rows away, or adds some new ones. False: all is done.
@@ -242,8 +310,20 @@ bool ResultsWindow::fillSome()
     }
     const std::size_t end = std::min(m_report.rows.size(), m_filled + rowsAtOnce);
     for (; m_filled < end; ++m_filled)
-        m_model->appendRow(itemsFor(m_report, m_report.rows[m_filled]));
+        append(m_report.rows[m_filled]);
     return m_filled < m_report.rows.size();
+}
+
+void ResultsWindow::append(const MethodRow &row)
+{
+    m_model->appendRow(itemsFor(m_report, row, m_filled));
+    const auto width = [](double number) { return number < 0 ? -10 * number : number; }; // a sign is a digit
+    for (int column = MethodName + 1; column < columnCount; ++column) {
+        double &widest = m_widest[static_cast<std::size_t>(column)];
+        const double here = number(m_report, row, column);
+        if (width(here) > width(widest))
+            widest = here;
+    }
 }
 
 void ResultsWindow::finish()
@@ -253,8 +333,7 @@ void ResultsWindow::finish()
     const QHeaderView &header = *horizontalHeader();
     if (header.sortIndicatorSection() != m_orderedBy || header.sortIndicatorOrder() != m_order)
         m_model->sort(header.sortIndicatorSection(), header.sortIndicatorOrder()); // chosen meanwhile
-    if (!m_areColumnsFitted && m_model->rowCount() > 0)
-        fitColumns();
+    fitColumns();
 }
 
 /// Where it was put, it keeps the place that led there: real frames are not as wide as it is reckoned with.
@@ -272,6 +351,7 @@ void ResultsWindow::changeEvent(QEvent *event)
         return;
     horizontalHeader()->setFont(font()); // the application may have a font for headers, which would win
     fitRowHeight();
+    fitColumns();
 }
 
 void ResultsWindow::keyPressEvent(QKeyEvent *event)

@@ -5,6 +5,8 @@
 #include <QTableView>
 #include <QTimer>
 
+#include <array>
+
 class QStandardItemModel;
 
 namespace Zorvan {
@@ -30,6 +32,8 @@ public:
 
     /// \a client: where the window is to be, without its frame.
     explicit ResultsWindow(const QRect &client);
+    ~ResultsWindow() override;
+    Q_DISABLE_COPY(ResultsWindow)
 
     /// Takes the place of the report before, also of one that is still being filled in.
     void setReport(AnalysisReport report);
@@ -46,9 +50,12 @@ private:
     void setUpHeaders();
     void fitRowHeight();
     void fitColumns();
+    [[nodiscard]] int neededWidth(int column) const;
     void order();
+    void unsort();
     void fillOn();
     [[nodiscard]] bool fillSome();
+    void append(const MethodRow &row);
     void finish();
     void copySelected() const;
 
@@ -59,7 +66,9 @@ private:
     bool m_areOldRowsGone = false;
     int m_orderedBy = TimeShare;
     Qt::SortOrder m_order = Qt::DescendingOrder;
-    bool m_areColumnsFitted = false;
+    std::array<double, columnCount> m_widest{}; // number of each column
+    bool m_isFitting = false;
+    bool m_areColumnsTheUsers = false; // who has made one wider or narrower
     QTimer m_fillTimer;
 };
 

@@ -19,7 +19,11 @@ SourcesDialog::SourcesDialog(const QString &stored, QWidget *parent)
     setWindowTitle(tr("Selected source files"));
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
     auto *const buttons = new QDialogButtonBox(this);
-    buttons->addButton(tr("Ok"), QDialogButtonBox::AcceptRole)->setDefault(true);
+    QPushButton *const ok = buttons->addButton(tr("Ok"), QDialogButtonBox::AcceptRole);
+    ok->setDefault(true);
+    // To choose none out of no files would hide all that are measured later.
+    ok->setEnabled(!stored.isEmpty());
+    connect(m_files->model(), &QAbstractItemModel::rowsInserted, ok, [ok] { ok->setEnabled(true); });
     buttons->addButton(tr("Cancel"), QDialogButtonBox::RejectRole);
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);

@@ -21,7 +21,7 @@ bool mayOverwrite(QWidget *parent, const QString &title, const QString &path)
                                                         .arg(QDir::toNativeSeparators(path)),
                                                     QMessageBox::Yes | QMessageBox::No, parent));
     box->setTextFormat(Qt::PlainText);
-    const bool isAllowed = box->exec() == QMessageBox::Yes && box;
+    const bool isAllowed = box->exec() == QMessageBox::Yes && box != nullptr;
     delete box;
     return isAllowed;
 }

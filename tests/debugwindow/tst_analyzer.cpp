@@ -10,9 +10,11 @@
 #include "lowlevelfunctions/lowlevelproperties.h"
 
 #include <QContextMenuEvent>
+#include <QDialogButtonBox>
 #include <QHeaderView>
 #include <QMenu>
 #include <QPointer>
+#include <QPushButton>
 #include <QTest>
 
 namespace {
@@ -295,6 +297,33 @@ TEST_F(Analyzer, ShowsTheTableBesideAVisibleWindow)
     EXPECT_EQ(table(), nullptr);
 }
 
+TEST_F(Analyzer, IsQuietAfterTheEndOfTheLibrary)
+{
+    const auto begin = [this] {
+        actions->beginReport(1, 1, 2);
+        actions->addRow("x", 1, 1, 1, 1);
+    };
+    begin();
+    actions->hideResults();
+    actions->endReport();
+    begin();
+    actions->endReport();
+    actions->hideResults();
+    runOn();
+    EXPECT_EQ(names(), "-");
+    const int before = analysis::timeTracking();
+    inMenu([&](QMenu &menu) {
+        begin();
+        actions->endReport();
+        Debug::exitDebug();
+        choose(menu, 4097);
+    });
+    actions->openMenu({});
+    EXPECT_EQ(analysis::timeTracking(), before);
+    runOn();
+    EXPECT_EQ(names(), "-");
+}
+
 /// "x" before each checked name.
 std::string listed(const sourceFileList &files)
 {
@@ -308,6 +337,11 @@ std::string listed(const sourceFileList &files)
 
 TEST_F(Analyzer, LetsTheUserSelectSources)
 {
+    SourcesDialog empty(QString(), nullptr);
+    const auto *const ok = empty.findChild<QDialogButtonBox *>()->buttons().first();
+    EXPECT_FALSE(ok->isEnabled());
+    empty.files().methodInformation("a.cpp", 1, "a");
+    EXPECT_TRUE(ok->isEnabled());
     measureTwo();
     measure(3, "other/beta.cpp", "b2");
     analysis::startMethod(0, nullptr, 0, "of the analyzer");

@@ -1,6 +1,7 @@
 // The table of method times: what stands in it, how it is sorted and copied, and how long reports come into
 // it.
 
+#include "debugwindow/analysistexts.h"
 #include "debugwindow/checkboxdelegate.h"
 #include "debugwindow/resultswindow.h"
 #include "debugwindow/windowgeometry.h"
@@ -138,6 +139,48 @@ TEST_F(Results, OfALaterReportReplaceThoseThatAreBeingFilledIn)
     EXPECT_EQ(table.model()->rowCount(), 0);
 }
 
+TEST_F(Results, CanGoWhenTheyAreManyAndSorted) // the time limit of the test run is what it may take
+{
+    auto many = std::make_unique<ResultsWindow>(QRect(0, 0, 300, 200));
+    many->setReport(longReport(20'000));
+    ASSERT_TRUE(runUntil([&many] { return !many->isFilling(); }));
+    many->sortByColumn(ResultsWindow::Calls, Qt::AscendingOrder);
+    many->setReport(longReport(100'000));
+    many->sortByColumn(ResultsWindow::MethodName, Qt::AscendingOrder); // while it is filled
+}
+
+TEST_F(Results, KeepTheirNumbersWhole)
+{
+    fill(threeRows);
+    AnalysisReport report = longReport(1000);
+    report.rows[700] = {"big", 0xFEDC'BA98'7654, 2'000'000'000, 4'000'000'000'000'000, 1'000'000'000'000'000};
+    QFont font = table.font();
+    font.setPointSize(16);
+    table.setFont(font);
+    fill(report);
+    table.sortByColumn(ResultsWindow::MethodName, Qt::DescendingOrder);
+    const auto areWhole = [this] {
+        const QModelIndex first = table.model()->index(0, 0);
+        const QModelIndex big = table.model()->match(first, Qt::DisplayRole, QStringLiteral("big")).first();
+        for (int column = 1; column < ResultsWindow::columnCount; ++column) {
+            QStyleOptionViewItem option;
+            option.font = table.font();
+            const QSize needed = table.itemDelegate()->sizeHint(option, big.siblingAtColumn(column));
+            if (table.columnWidth(column)
+                < qMax(needed.width(), table.horizontalHeader()->sectionSizeHint(column)))
+                return false;
+        }
+        return true;
+    };
+    EXPECT_TRUE(areWhole());
+    font.setPointSize(24);
+    table.setFont(font);
+    EXPECT_TRUE(areWhole());
+    table.horizontalHeader()->resizeSection(ResultsWindow::Calls, 333); // by the user
+    fill(threeRows);
+    EXPECT_EQ(table.columnWidth(ResultsWindow::Calls), 333);
+}
+
 TEST_F(Results, AreCopiedAsTheyAreShown)
 {
     fill(threeRows);
@@ -207,6 +250,39 @@ TEST_F(Reports, AreHandedOverOnceAndOnlyTheLatest)
     make(4, nullptr, 1);
     QCoreApplication::processEvents();
     EXPECT_EQ(taken, (std::vector<std::string>{"3:ccc", "4:"}));
+}
+
+TEST_F(Reports, ThatWereAskedForComeFirst)
+{
+    int number = 0;
+    for (const bool isAskedFor : {false, true, true, false}) {
+        reports->begin({++number, 0, 0, isAskedFor});
+        reports->complete();
+    }
+    QCoreApplication::processEvents();
+    EXPECT_EQ(taken, std::vector<std::string>{"3:"});
+}
+
+TEST(Texts, ComeInPiecesAndInTheirOrder)
+{
+    const TestApplication<QApplication> application;
+    std::string shown;
+    int pieces = 0;
+    AnalysisTexts texts(nullptr, [&](const std::string &piece) {
+        if (++pieces == 1)
+            texts.add("meanwhile");
+        shown += piece + '\n';
+    });
+    std::string expected;
+    for (int i = 0; i < 20'000; ++i) {
+        const std::string text = i % 5 == 0 ? std::string() : "text " + std::to_string(i);
+        texts.add(i % 2 == 0 ? text : text + '\n');
+        expected += text + '\n';
+    }
+    texts.add(std::string(100'000, 'x') + "\n\n");
+    expected += std::string(100'000, 'x') + "\n\nmeanwhile\n";
+    EXPECT_TRUE(runUntil([&] { return shown.size() >= expected.size(); }));
+    EXPECT_TRUE(shown == expected && pieces > 4);
 }
 
 TEST_F(Reports, OfSeveralThreadsDoNotMix)
