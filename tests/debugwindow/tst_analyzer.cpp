@@ -12,10 +12,8 @@
 #include <QContextMenuEvent>
 #include <QDialogButtonBox>
 #include <QHeaderView>
-#include <QMenu>
 #include <QPointer>
 #include <QPushButton>
-#include <QTest>
 
 namespace {
 
@@ -152,27 +150,9 @@ protected:
         actions->endReport();
         runOn();
     }
-    /// Acts in the next menu that opens.
-    static void inMenu(const std::function<void(QMenu &)> &act)
+    void chooseFromMenu(const char *entry)
     {
-        QTimer::singleShot(0, [act] {
-            if (auto *const menu = qobject_cast<QMenu *>(QApplication::activePopupWidget()))
-                act(*menu);
-            else
-                inMenu(act);
-        });
-    }
-    static void choose(QMenu &menu, int code)
-    {
-        for (QAction *const action : menu.actions()) {
-            if (action->data().toInt() == code) {
-                menu.setActiveAction(action);
-                QTest::keyClick(&menu, Qt::Key_Return);
-                return;
-            }
-        }
-        menu.close();
-        FAIL() << code;
+        chooseInMenu([this] { actions->openMenu({}); }, entry);
     }
 
     QPointer<QWidget> window;
@@ -184,8 +164,7 @@ protected:
 TEST_F(Analyzer, SwitchesTrackingAndStoresIt)
 {
     for (const int on : {1, 0}) {
-        inMenu([](QMenu &menu) { choose(menu, 4096); });
-        actions->openMenu({});
+        chooseFromMenu("Tracking Memory Leaks");
         run(AnalyzerCommand::TrackMethods);
         EXPECT_EQ(analysis::memoryTracking(), on);
         EXPECT_EQ(analysis::timeTracking(), on);
@@ -312,13 +291,12 @@ TEST_F(Analyzer, IsQuietAfterTheEndOfTheLibrary)
     runOn();
     EXPECT_EQ(names(), "-");
     const int before = analysis::timeTracking();
-    inMenu([&](QMenu &menu) {
+    QTimer::singleShot(0, [&] {
         begin();
         actions->endReport();
         Debug::exitDebug();
-        choose(menu, 4097);
     });
-    actions->openMenu({});
+    chooseFromMenu("Tracking Method Execution");
     EXPECT_EQ(analysis::timeTracking(), before);
     runOn();
     EXPECT_EQ(names(), "-");
@@ -366,15 +344,14 @@ TEST_F(Analyzer, LetsTheUserSelectSources)
               "beta.cpp");
     host.store("LeakAnalysisSources", "unmeasured.cpp;;alpha.cpp");
     EXPECT_EQ(inDialog("xalpha.cpp beta.cpp xunmeasured.cpp ", "Ok"), "alpha.cpp;unmeasured.cpp");
-    const auto fromMenu = [](int code) {
-        return [code](sourceFileList &files) {
-            inMenu([code](QMenu &menu) { choose(menu, code); });
+    const auto fromMenu = [](const char *entry) {
+        return [entry](sourceFileList &files) {
             QContextMenuEvent event(QContextMenuEvent::Keyboard, {});
-            QCoreApplication::sendEvent(&files, &event);
+            chooseInMenu([&] { QCoreApplication::sendEvent(&files, &event); }, entry);
         };
     };
-    EXPECT_EQ(inDialog("xalpha.cpp beta.cpp xunmeasured.cpp ", "Ok", fromMenu(4097)), "<none>");
-    EXPECT_EQ(inDialog("alpha.cpp beta.cpp ", "Ok", fromMenu(4096)), "alpha.cpp;beta.cpp");
+    EXPECT_EQ(inDialog("xalpha.cpp beta.cpp xunmeasured.cpp ", "Ok", fromMenu("Select None...")), "<none>");
+    EXPECT_EQ(inDialog("alpha.cpp beta.cpp ", "Ok", fromMenu("Select All...")), "alpha.cpp;beta.cpp");
 }
 
 TEST_F(Analyzer, MayGoWhileItIsAtWork)
@@ -386,8 +363,7 @@ TEST_F(Analyzer, MayGoWhileItIsAtWork)
         window->show();
     };
     measureTwo();
-    inMenu([this](QMenu &) { delete window; });
-    actions->openMenu({});
+    inMenu([this] { actions->openMenu({}); }, [this](QMenu &) { delete window; });
     reopen();
     for (const AnalyzerCommand command : {AnalyzerCommand::EnableTools, AnalyzerCommand::SelectSources}) {
         robot->then([this](QDialog &dialog) {

@@ -1,16 +1,12 @@
 // Draws the table of method times, the choice of source files and the menu of the analysis tools, without
-// frames, into PNG files, for people to look at: looks_analysis FOLDER QT_SCALE_FACTOR=2 in the environment
-// draws them for a display of double density.
+// frames, into PNG files, for people to look at: looks_analysis FOLDER
 
 #include "debugwindow/analyzermenu.h"
 #include "debugwindow/resultswindow.h"
 #include "debugwindow/sourcesdialog.h"
+#include "pictures.h"
 
-#include <QApplication>
-#include <QDir>
 #include <QMenu>
-
-#include <cstdio>
 
 namespace {
 
@@ -30,13 +26,6 @@ AnalysisReport report()
     return report;
 }
 
-bool save(QWidget &widget, const QDir &folder, const QString &name)
-{
-    QApplication::processEvents();
-    std::printf("%-24s %4d x %4d\n", qPrintable(name), widget.width(), widget.height());
-    return widget.grab().save(folder.filePath(name));
-}
-
 bool drawTable(const QDir &folder, const QString &ending, const QSize &size)
 {
     ResultsWindow table(QRect(QPoint(50, 50), size));
@@ -44,7 +33,7 @@ bool drawTable(const QDir &folder, const QString &ending, const QSize &size)
     table.setReport(report());
     table.show();
     table.selectRow(1);
-    return save(table, folder, QStringLiteral("results") + ending);
+    return looks::save(table, folder, QStringLiteral("results") + ending);
 }
 
 bool drawDialog(const QDir &folder, const QString &ending)
@@ -53,7 +42,7 @@ bool drawDialog(const QDir &folder, const QString &ending)
     for (const char *const file : {"src/scpi.cpp", "src/rfpath.cpp", "src\\kernel.cpp"})
         dialog.files().methodInformation(file, 1, "");
     dialog.show();
-    return save(dialog, folder, QStringLiteral("sources") + ending);
+    return looks::save(dialog, folder, QStringLiteral("sources") + ending);
 }
 
 bool drawMenu(const QDir &folder, const QString &ending, const AnalyzerState &state)
@@ -61,12 +50,12 @@ bool drawMenu(const QDir &folder, const QString &ending, const AnalyzerState &st
     QMenu menu;
     fillAnalyzerMenu(menu, state);
     menu.popup({});
-    return save(menu, folder, ending);
+    return looks::save(menu, folder, ending);
 }
 
-bool draw(const QDir &folder, int backgroundLightness, const QString &ending)
+bool draw(const QDir &folder, int lightness, const QString &ending)
 {
-    QApplication::setPalette(QColor::fromHsv(0, 0, backgroundLightness));
+    looks::setGround(lightness);
     const bool hasTables = drawTable(folder, ending, {760, 320})
         && drawTable(folder, QStringLiteral("-narrow") + ending, {480, 160});
     return hasTables && drawDialog(folder, ending)
@@ -78,13 +67,8 @@ bool draw(const QDir &folder, int backgroundLightness, const QString &ending)
 
 int main(int argc, char **argv)
 {
-    const QApplication application(argc, argv);
-    const QStringList arguments = QApplication::arguments();
-    if (arguments.size() != 2 || !QDir().mkpath(arguments.at(1))) {
-        std::fprintf(stderr, "usage: looks_analysis FOLDER\n");
-        return 2;
-    }
-    QApplication::setStyle(QStringLiteral("fusion")); // the same on every desktop
-    const QDir folder(arguments.at(1));
-    return draw(folder, 239, QStringLiteral(".png")) && draw(folder, 53, QStringLiteral("-dark.png")) ? 0 : 1;
+    return looks::drawInto(argc, argv, [](const QDir &folder) {
+        return draw(folder, looks::light, QStringLiteral(".png"))
+            && draw(folder, looks::dark, QStringLiteral("-dark.png"));
+    });
 }

@@ -1,17 +1,13 @@
 // Draws the debug window, without its frame, into PNG files, for people to look at: looks_window FOLDER
-// QT_SCALE_FACTOR=2 in the environment draws it for a display of double density.
 
 #include "debugwindow/debugwindow.h"
 
 #include "debugwindow/protocolwidget.h"
 #include "debugwindow/viewcommands.h"
+#include "pictures.h"
 
-#include <QApplication>
-#include <QDir>
 #include <QInputDialog>
 #include <QTimer>
-
-#include <cstdio>
 
 namespace {
 
@@ -63,14 +59,14 @@ struct Sample
 {
     const char *name;
     QSize size;
-    int backgroundLightness;
+    int lightness;
     bool hasHooks = true;
     bool isServed = false;
 };
 
-bool draw(const Sample &sample, const QString &path)
+bool draw(const Sample &sample, const QDir &folder)
 {
-    QApplication::setPalette(QColor::fromHsv(0, 0, sample.backgroundLightness));
+    looks::setGround(sample.lightness);
     NoHandler handler;
     if (sample.hasHooks)
         Debug::installHook("CalibrateOutputLevel", &handler, true);
@@ -79,10 +75,7 @@ bool draw(const Sample &sample, const QString &path)
     window.show();
     fill(window);
     window.setClientsConnected(sample.isServed);
-    QApplication::processEvents();
-    const bool isSaved = window.grab().save(path);
-    std::printf("%-24s %4d x %4d\n", qPrintable(path.section(QLatin1Char('/'), -1)), window.width(),
-                window.height());
+    const bool isSaved = looks::save(window, folder, QLatin1String(sample.name));
     Debug::removeHook("CalibrateOutputLevel", &handler);
     return isSaved;
 }
@@ -92,22 +85,14 @@ bool draw(const Sample &sample, const QString &path)
 int main(int argc, char **argv)
 {
     Debug::initDebug(); // before the application: the library then has no window of its own
-    const QApplication application(argc, argv);
-    const QStringList arguments = QApplication::arguments();
-    if (arguments.size() != 2 || !QDir().mkpath(arguments.at(1))) {
-        std::fprintf(stderr, "usage: looks_window FOLDER\n");
-        return 2;
-    }
-    QApplication::setStyle(QStringLiteral("fusion")); // the same on every desktop
     const Sample samples[] = {
-        {"window.png", {1000, 400}, 239},
-        {"window-dark.png", {1000, 400}, 53},
-        {"window-narrow.png", {320, 400}, 239},
-        {"window-no-hooks.png", {800, 200}, 239, false},
-        {"window-served.png", {800, 200}, 53, true, true},
+        {"window.png", {1000, 400}, looks::light},
+        {"window-dark.png", {1000, 400}, looks::dark},
+        {"window-narrow.png", {320, 400}, looks::light},
+        {"window-no-hooks.png", {800, 200}, looks::light, false},
+        {"window-served.png", {800, 200}, looks::dark, true, true},
     };
-    bool isComplete = true;
-    for (const Sample &sample : samples)
-        isComplete = draw(sample, QDir(arguments.at(1)).filePath(QLatin1String(sample.name))) && isComplete;
-    return isComplete ? 0 : 1;
+    return looks::drawInto(argc, argv, [&](const QDir &folder) {
+        return looks::drawAll(samples, [&](const Sample &sample) { return draw(sample, folder); });
+    });
 }

@@ -1,11 +1,7 @@
 // Draws message boxes, without their frames, into PNG files, for people to look at: looks FOLDER
 
 #include "debugserverqueue/debugmessagedialog.h"
-
-#include <QApplication>
-#include <QDir>
-
-#include <cstdio>
+#include "pictures.h"
 
 namespace {
 
@@ -77,25 +73,17 @@ std::vector<Sample> samples()
 
 int main(int argc, char **argv)
 {
-    const QApplication application(argc, argv);
-    const QStringList arguments = QApplication::arguments();
-    if (arguments.size() != 2 || !QDir().mkpath(arguments.at(1))) {
-        std::fprintf(stderr, "usage: looks FOLDER\n");
-        return 2;
-    }
-    QApplication::setStyle(QStringLiteral("fusion")); // the same on every desktop
-    bool isComplete = true;
-    for (const bool isDark : {false, true}) {
-        QApplication::setPalette(isDark ? QColor(53, 53, 53) : QColor(239, 239, 239));
-        for (const Sample &sample : samples()) {
-            debugMessageDialog dialog(sample.content, settingsFor(sample.isSmall));
-            dialog.show();
-            QApplication::processEvents();
-            const QString name = QLatin1String(sample.name) + QLatin1String(isDark ? "-dark.png" : ".png");
-            isComplete = dialog.grab().save(QDir(arguments.at(1)).filePath(name)) && isComplete;
-            std::printf("%-24s %4d x %4d at %4d, %4d\n", qPrintable(name), dialog.width(), dialog.height(),
-                        dialog.x(), dialog.y());
+    return looks::drawInto(argc, argv, [](const QDir &folder) {
+        bool isComplete = true;
+        for (const bool isDark : {false, true}) {
+            looks::setGround(isDark ? looks::dark : looks::light);
+            for (const Sample &sample : samples()) {
+                debugMessageDialog dialog(sample.content, settingsFor(sample.isSmall));
+                dialog.show();
+                const QString ending = QLatin1String(isDark ? "-dark.png" : ".png");
+                isComplete = looks::save(dialog, folder, QLatin1String(sample.name) + ending) && isComplete;
+            }
         }
-    }
-    return isComplete ? 0 : 1;
+        return isComplete;
+    });
 }

@@ -1,18 +1,14 @@
 // Draws the settings dialog, without its frame, into PNG files, for people to look at: looks_settings FOLDER
-// QT_SCALE_FACTOR=2 in the environment draws it for a display of double density.
 
 #include "settingsdialog/settingsdialog.h"
 
 #include "debugwindow/icons.h"
+#include "pictures.h"
 #include "settingsdialog/dialogmenu.h"
 
-#include <QApplication>
-#include <QDir>
 #include <QListWidget>
 #include <QMenu>
 #include <QPushButton>
-
-#include <cstdio>
 
 namespace {
 
@@ -42,21 +38,14 @@ void showIcons(const SettingsDialog &dialog)
 struct Sample
 {
     const char *name;
-    int backgroundLightness;
+    int lightness;
     bool isSmall;
     int pointSize;
 };
 
-bool save(QWidget &widget, const QString &path)
+bool draw(const Sample &sample, const QDir &folder)
 {
-    std::printf("%-28s %4d x %4d\n", qPrintable(path.section(QLatin1Char('/'), -1)), widget.width(),
-                widget.height());
-    return widget.grab().save(path);
-}
-
-bool draw(const Sample &sample, const QString &path)
-{
-    QApplication::setPalette(QColor::fromHsv(0, 0, sample.backgroundLightness));
+    looks::setGround(sample.lightness);
     SettingsDialog dialog(nullptr);
     QFont font = dialog.font();
     font.setPointSize(sample.pointSize);
@@ -67,11 +56,10 @@ bool draw(const Sample &sample, const QString &path)
     dialog.show();
     auto *const modules = dialog.findChild<QListWidget *>(QStringLiteral("moduleList"));
     modules->setCurrentRow(modules->count() - 2);
-    QApplication::processEvents();
-    return save(dialog, path);
+    return looks::save(dialog, folder, QLatin1String(sample.name));
 }
 
-bool drawMenu(const QString &path)
+bool drawMenu(const QDir &folder)
 {
     QMenu menu;
     DialogMenuState state;
@@ -79,7 +67,7 @@ bool drawMenu(const QString &path)
     fillDialogMenu(menu, state);
     menu.ensurePolished();
     menu.resize(menu.sizeHint());
-    return save(menu, path);
+    return looks::save(menu, folder, QStringLiteral("settings-menu.png"));
 }
 
 } // namespace
@@ -87,27 +75,19 @@ bool drawMenu(const QString &path)
 int main(int argc, char **argv)
 {
     Debug::initDebug(); // before the application: the library then has no window of its own
-    const QApplication application(argc, argv);
-    const QStringList arguments = QApplication::arguments();
-    if (arguments.size() != 2 || !QDir().mkpath(arguments.at(1))) {
-        std::fprintf(stderr, "usage: looks_settings FOLDER\n");
-        return 2;
-    }
-    QApplication::setStyle(QStringLiteral("fusion")); // the same on every desktop
-    const IconResource icons;
     for (const char *const name : {"RfPath", "Scpi", "Database", "Calibration", "Hardware timing", "Display"})
         makeModule(name);
     const Sample samples[] = {
-        {"settings.png", 239, false, 9},
-        {"settings-dark.png", 53, false, 9},
-        {"settings-small.png", 239, true, 9},
-        {"settings-small-dark.png", 53, true, 9},
-        {"settings-large-font.png", 239, false, 15},
+        {"settings.png", looks::light, false, 9},
+        {"settings-dark.png", looks::dark, false, 9},
+        {"settings-small.png", looks::light, true, 9},
+        {"settings-small-dark.png", looks::dark, true, 9},
+        {"settings-large-font.png", looks::light, false, 15},
     };
-    const QDir folder(arguments.at(1));
-    bool isComplete = true;
-    for (const Sample &sample : samples)
-        isComplete = draw(sample, folder.filePath(QLatin1String(sample.name))) && isComplete;
-    isComplete = drawMenu(folder.filePath(QStringLiteral("settings-menu.png"))) && isComplete;
-    return isComplete ? 0 : 1;
+    return looks::drawInto(argc, argv, [&](const QDir &folder) {
+        const IconResource icons;
+        const bool isComplete =
+            looks::drawAll(samples, [&](const Sample &sample) { return draw(sample, folder); });
+        return drawMenu(folder) && isComplete;
+    });
 }

@@ -140,23 +140,17 @@ protected:
     static std::string inMenuOf(QWidget &widget, int code)
     {
         std::string entries;
-        QTimer look;
-        QObject::connect(&look, &QTimer::timeout, [&] {
-            auto *const menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
-            if (menu == nullptr)
-                return;
-            look.stop();
-            entries = entriesOf(*menu);
-            for (QAction *const action : menu->actions()) {
-                if (action->data().toInt() == code && code != 0)
-                    menu->setActiveAction(action);
-            }
-            QTest::keyClick(menu, code == 0 ? Qt::Key_Escape : Qt::Key_Return);
-        });
-        look.start(1);
         const QPoint inside(5, 5);
         QContextMenuEvent event(QContextMenuEvent::Mouse, inside, widget.mapToGlobal(inside));
-        QApplication::sendEvent(&widget, &event);
+        inMenu([&] { QApplication::sendEvent(&widget, &event); },
+               [&](QMenu &menu) {
+                   entries = entriesOf(menu);
+                   for (QAction *const action : menu.actions()) {
+                       if (action->data().toInt() == code && code != 0)
+                           menu.setActiveAction(action);
+                   }
+                   QTest::keyClick(&menu, code == 0 ? Qt::Key_Escape : Qt::Key_Return);
+               });
         return entries;
     }
     void run(DialogCommand command) { dialog->command(static_cast<int>(command)); }
