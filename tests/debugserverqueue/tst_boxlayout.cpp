@@ -62,15 +62,6 @@ TEST(BoxPosition, IsTheMiddleOfWhatIsNotKeptFree)
     EXPECT_EQ(boxPosition({101, 101}, odd), QPoint(101 - 2, 50 - 1)) << "each half is cut off by itself";
 }
 
-TEST(SoundArea, KeepsWhatCanBeMeant)
-{
-    const QSize desktop(1920, 1080);
-    for (const DisplayArea &area : {small, large, withMargins, {{200, 150}, {0, 0, 64, 32}}}) {
-        EXPECT_EQ(soundArea(area, desktop).size, area.size);
-        EXPECT_EQ(soundArea(area, desktop).keptFree, area.keptFree);
-    }
-}
-
 TEST(SoundArea, AlwaysHasRoomForABox)
 {
     constexpr int most = std::numeric_limits<int>::max();

@@ -4,8 +4,6 @@
 #include "support/guiapplication.h"
 #include "support/maphost.h"
 
-#include <QClipboard>
-#include <QLabel>
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollBar>
@@ -147,18 +145,6 @@ TEST_F(MessageDialog, StaysWithoutButtonsUntilItIsTakenAway)
     EXPECT_TRUE(dialog.isVisible());
 }
 
-TEST_F(MessageDialog, ShowsTheIconOfItsCode)
-{
-    QStringList icons;
-    for (const int code : {-1, 0, 1, 2, 3, 4, 5}) {
-        BoxContent content = modal({1, 0, 0});
-        content.icon = code;
-        const auto *const icon = show(content).findChild<QLabel *>(QStringLiteral("icon"));
-        icons.append(icon && icon->isVisible() ? icon->accessibleName() : QStringLiteral("-"));
-    }
-    EXPECT_EQ(icons.join(QLatin1Char(' ')), QStringLiteral("- - Information Warning Error Question -"));
-}
-
 /// Texts of every kind, by name.
 std::map<std::string, BoxContent> contents()
 {
@@ -258,15 +244,6 @@ TEST_F(MessageDialog, ShowsAllOfItsTextInTheMiddleOfEveryDisplay)
     }
 }
 
-TEST_F(MessageDialog, HasAFixedSizeWhereAllIsVisibleAtOnce)
-{
-    const QString line = QStringLiteral("The output stage was switched off.");
-    const debugMessageDialog &small = show(modal({1, 0, 0}, line), settingsFor(narrow));
-    EXPECT_EQ(small.minimumSize(), small.maximumSize());
-    const debugMessageDialog &wrapped = show(modal({1, 0, 0}, line.repeated(3)), settingsFor(narrow));
-    EXPECT_NE(wrapped.minimumSize(), wrapped.maximumSize());
-}
-
 TEST_F(MessageDialog, LetsTheUserReadAHugeTextToItsEnd)
 {
     const QString line = QStringLiteral("0123456789 ").repeated(9) + QLatin1Char('\n');
@@ -278,17 +255,6 @@ TEST_F(MessageDialog, LetsTheUserReadAHugeTextToItsEnd)
         QTest::keyClick(&text, Qt::Key_End);
         EXPECT_EQ(text.verticalScrollBar()->value(), text.verticalScrollBar()->maximum());
     }
-}
-
-TEST_F(MessageDialog, LetsTheUserCopyItsText)
-{
-    const debugMessageDialog &dialog = show(modal({1, 0, 0}, QStringLiteral("<h3>heading</h3>a < b")));
-    QTextEdit &text = textArea(dialog);
-    QTest::keyClick(&text, Qt::Key_A, Qt::ControlModifier);
-    QTest::keyClick(&text, Qt::Key_C, Qt::ControlModifier);
-    EXPECT_TRUE(QGuiApplication::clipboard()->text().contains(QStringLiteral("a < b")));
-    QTest::keyClick(&text, Qt::Key_X);
-    EXPECT_TRUE(text.toPlainText().contains(QStringLiteral("a < b"))) << "but not change it";
 }
 
 TEST_F(MessageDialog, HasOneGroundAlsoWhenThePaletteChanges)

@@ -79,17 +79,6 @@ TEST_F(Lines, ThatALongOneWroteOverAreItsEnds)
     }
 }
 
-TEST_F(Lines, OfAFullRingFallBehindByOneEachRound)
-{
-    buffer.setMaximumLineCount(3);
-    append(1, 7);
-    EXPECT_EQ(rows(), "7 5 6 ");
-    append(8, 8);
-    EXPECT_EQ(rows(), "8 6 7 ");
-    append(9, 11);
-    EXPECT_EQ(rows(), "10 11 9 ");
-}
-
 TEST_F(Lines, OfAFullRingBeginAnewIfOneByteIsMissing)
 {
     buffer.sizeGrowthSteps(1024 * 2048);
@@ -102,14 +91,6 @@ TEST_F(Lines, OfAFullRingBeginAnewIfOneByteIsMissing)
         buffer.appendLine(std::string(static_cast<std::size_t>(length), 'c'));
         EXPECT_EQ(buffer.line(0), left);
     }
-}
-
-TEST_F(Lines, AreAtMost300000In8MiBUnlessSomebodySaysOtherwise)
-{
-    for (int i = 0; i <= 300000; ++i)
-        buffer.appendLine(std::string_view());
-    EXPECT_EQ(buffer.lineCount(), 300000U);
-    EXPECT_EQ(buffer.allocatedBytes(), (8U << 20U) + 5 * 65536 * 4);
 }
 
 TEST_F(Lines, AreMatchedUnderAWaitCursorThatGoesAgain)
@@ -143,26 +124,6 @@ TEST_F(Lines, AroundMarkedOnesAreShownBeforeTheyCome)
         buffer.setExtraLines(4000000000);
         EXPECT_EQ(buffer.rowCount(), count);
     }
-}
-
-TEST_F(Lines, AreEnteredOnceMoreForEachNewPattern)
-{
-    append(0, 10, {1, 5, 9});
-    showMarked(1);
-    const std::string once = "0 1! 2 4 5! 6 8 9! 10 ";
-    EXPECT_EQ(rows(), once);
-    buffer.addPattern(QStringLiteral("x"));
-    EXPECT_EQ(rows(), once + "1! 2 4 5! 6 8 9! 10 ");
-    buffer.setExtraLines(1);
-    EXPECT_EQ(rows(), once);
-    buffer.removePattern(QStringLiteral("!"));
-    buffer.removePattern(QStringLiteral("x"));
-    EXPECT_EQ(rows(), once);
-    buffer.clearPatterns();
-    append(11, 11, {11});
-    EXPECT_EQ(rows(), "0 1! 2 3 4 5! 6 7 8 ") << "as many rows as before";
-    buffer.setMarkedOutputOnly(true);
-    EXPECT_EQ(rows(), "");
 }
 
 TEST_F(Lines, AreKeptInWhateverMemoryThereIs)
@@ -201,16 +162,6 @@ TEST_F(Lines, HoldOneByteForEachCharacter)
     buffer.addPattern(QString(QChar(QChar::Null)));
     for (const std::string_view line : {buffer.line(0), buffer.line(1)})
         EXPECT_LT(buffer.match(line).position, 0) << "the characters themselves are nowhere";
-}
-
-TEST_F(Lines, MatchTheFirstPatternOfTheList)
-{
-    for (const char *const pattern : {"two", "one", "one", "x"})
-        buffer.addPattern(QLatin1String(pattern));
-    const PatternMatch match = buffer.match("one two");
-    EXPECT_TRUE(match.position == 4 && match.length == 3 && match.place == 0);
-    buffer.removePattern(QStringLiteral("one"));
-    EXPECT_EQ(buffer.patterns(), QStringLiteral("two|one|x")) << "one of two neighbours stays";
 }
 
 TEST(APattern, IsFoundWhereItFirstBegins)

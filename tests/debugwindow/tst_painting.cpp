@@ -361,34 +361,6 @@ TEST_F(Painting, KeepsTheNumbersWhereTheyAre)
     }
 }
 
-TEST_F(Painting, RestoresAnyStripWithItsNeighbours)
-{
-    for (int i = 0; i < shownRows; ++i)
-        append({i % 2 == 0 ? "\x1B[44m gj\xC5\xC7 gj" : "\x1B[31m\xC5\xC7gj"});
-    lineNumbers = true;
-    textOffset = 11;
-    const int s = spacing();
-    const QImage whole = picture(2);
-    for (const QRect &strip : {QRect(0, 0, paperWidth, 1), QRect(0, 2 * s, paperWidth, s),
-                               QRect(17, s / 3, 9, 3 * s), QRect(2, 0, 3, height())}) {
-        QImage paper = whole;
-        QPainter painter(&paper);
-        painter.fillRect(strip, Qt::white);
-        paintRows(painter, view(), strip);
-        painter.end();
-        EXPECT_TRUE(paper == whole) << "at " << strip.x() << ", " << strip.y();
-    }
-    const auto range = [this](int top, int bottom) {
-        const RowRange rows = rowsIn(QRect(QPoint(0, top), QPoint(9, bottom)), view());
-        return std::make_pair(rows.begin, rows.end);
-    };
-    EXPECT_EQ(range(2 * s, 3 * s - 1), std::make_pair(1, 4));
-    EXPECT_EQ(range(-s, 100 * s), std::make_pair(0, shownRows));
-    EXPECT_EQ(range(5, 4), std::make_pair(0, 0));
-    firstRow = shownRows - 1;
-    EXPECT_EQ(range(0, 100 * s), std::make_pair(0, 1));
-}
-
 TEST_F(Painting, OfAHugeLineIsThatOfItsBeginning)
 {
     std::string line(20'000'000, '-');

@@ -7,7 +7,6 @@
 
 #include <QBackingStore>
 #include <QClipboard>
-#include <QFileDialog>
 #include <QInputDialog>
 #include <QPaintEvent>
 #include <QPointer>
@@ -299,18 +298,6 @@ TEST_F(MessageView, MarksLinesAndKeepsMarkersInFiles)
     robot.choose(path + QStringLiteral(".dbgfilt"));
     key(Qt::Key_O, Qt::ControlModifier | Qt::ShiftModifier);
     EXPECT_EQ(view->buffer().patterns(), QStringLiteral("row 2|b|row 2|b\n"));
-    const std::pair<ViewCommand, const char *> titles[] = {
-        {ViewCommand::SaveMarkers, "Save Output Filter as..."},
-        {ViewCommand::LoadMarkers, "Load Output Filter..."}};
-    for (const auto &[command, title] : titles) {
-        robot.then([title = title](QDialog &dialog) {
-            EXPECT_EQ(dialog.windowTitle(), QLatin1String(title));
-            const QStringList filters = qobject_cast<QFileDialog *>(&dialog)->nameFilters();
-            EXPECT_EQ(filters, QStringList(QStringLiteral("Debug Server Output Filter (*.dbgfilt)")));
-            dialog.close();
-        });
-        run(command);
-    }
     writeFile(path.toStdString(), "");
     robot.choose(path);
     run(ViewCommand::LoadMarkers);

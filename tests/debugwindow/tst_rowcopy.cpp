@@ -47,15 +47,6 @@ TEST_F(Copy, OfASelectionEndsWhereTheRowsEndNow)
     EXPECT_EQ(selected({1, 9}, {2, -1}), "");
 }
 
-TEST_F(Copy, LeavesOutEmptyRowsBeforeTheFirstText)
-{
-    EXPECT_EQ(all(99) + allLines(buffer).toStdString(), "");
-    append({"", "", "a", "", "b", ""});
-    EXPECT_EQ(all(99), "a\n\nb\n");
-    EXPECT_EQ(selected({2, 1}, {4, 1}), "b");
-    EXPECT_EQ(allLines(buffer), "\n\na\n\nb\n");
-}
-
 TEST_F(Copy, InPiecesIsOfWholeLines)
 {
     append({"", "ab", "", "cdefgh", "", "i"});
@@ -68,13 +59,6 @@ TEST_F(Copy, InPiecesIsOfWholeLines)
     EXPECT_EQ(pieces, (std::vector<QByteArray>{"\nab\n", "cdefgh", "\ni"}));
     forEachPiece(buffer, 4, take);
     EXPECT_EQ(pieces.size(), 4U) << "no more were wanted";
-}
-
-TEST_F(Copy, HasEveryCharacterOfLatin1)
-{
-    append({"\xE9\xFF", "\x80"});
-    EXPECT_EQ(copiedText(buffer, {}), QString::fromLatin1("\xE9\xFF\n\x80"));
-    EXPECT_EQ(allLines(buffer), "\xE9\xFF\n\x80");
 }
 
 TEST_F(Copy, OfMoreThanAStringHoldsEndsBehindAWholeRow)

@@ -3,9 +3,6 @@
 #include "support/childprocess.h"
 #include "support/programdata.h"
 
-#include <zorvan/debug.h>
-#include <zorvan/exports.h>
-
 #include <gtest/gtest.h>
 
 using namespace Zorvan::test;
@@ -32,16 +29,6 @@ TEST(Exports, DoInCWhatTheirMembersDo)
     const ChildResult result = runChild("'" FIRMWARE "'");
     EXPECT_EQ(result.exitCode, 0) << "signal " << result.signal << '\n' << result.output;
     EXPECT_NE(log().find("before the start\n"), std::string::npos);
-}
-
-TEST(Exports, WriteToTheSystemLogWithoutATableWhateverIsSwitchedOff)
-{
-    Zorvan::Debug::enableSettings(QStringLiteral("disableOutput"));
-    ::println(2, 0, "by the function", 0, 0, nullptr, -1);
-    Zorvan::Debug::println(2, 0, QStringLiteral("by the member"), 0);
-    EXPECT_FALSE(::isActive(2, 0, 0));
-    EXPECT_NE(log().find(": by the function\n"), std::string::npos);
-    EXPECT_NE(log().find(": by the member\n"), std::string::npos);
 }
 
 TEST(Exports, AreAllFoundByTheirNames)

@@ -117,18 +117,4 @@ TEST_F(BoxKeys, AMinimisedBoxStays)
     EXPECT_TRUE(runUntil([&] { return box.isNull(); })) << "still known by its id";
 }
 
-TEST_F(BoxKeys, AModalBoxIsActiveWhenItOpens)
-{
-    QWidget ofHost;
-    ofHost.show();
-    activate(ofHost);
-    robot->then([](QDialog &box) {
-        EXPECT_TRUE(QTest::qWaitForWindowActive(&box));
-        EXPECT_TRUE(box.isModal());
-        EXPECT_EQ(QGuiApplication::modalWindow(), box.windowHandle());
-        box.close();
-    });
-    EXPECT_EQ(ask(true, ok), -1);
-}
-
 } // namespace

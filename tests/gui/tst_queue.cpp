@@ -119,47 +119,6 @@ TEST_F(Queue, OpensAndClosesRemoteAccessInTheLoop)
     }
 }
 
-TEST_F(Queue, OpensRemoteAccessAtItsStartIfTheHostWantsThat)
-{
-    host.store("serverPortOpen", 1);
-    runLoop();
-    EXPECT_TRUE(runUntil(&Debug::clientsAllowed));
-    Debug::exitDebug();
-    Debug::exitDebug();
-    EXPECT_FALSE(Debug::clientsAllowed()) << "it ends with the library";
-    host.store("serverPortOpen", 0);
-    runLoop();
-    runOn();
-    EXPECT_FALSE(Debug::clientsAllowed()) << "a new queue knows nothing of the old one";
-}
-
-TEST_F(Queue, SwitchesTheOutputOnWhenTheLastClientLeaves)
-{
-    runLoop();
-    Debug::enableSettings(QStringLiteral("disableOutput,"));
-    Debug::setClientCount(2);
-    Debug::setClientCount(1);
-    EXPECT_EQ(linesPrintedNow(), 0U);
-    Debug::setClientCount(0);
-    EXPECT_EQ(linesPrintedNow(), 1U);
-}
-
-TEST_F(Queue, KnowsTheModesOfItsProcess)
-{
-    EXPECT_FALSE(Debug::isServer() || Debug::isClient());
-    runLoop();
-    Debug::setServerMode(true);
-    Debug::createModule("debugserverclient", "Client");
-    EXPECT_FALSE(Debug::isClient());
-    Debug::createModule("DebugServerClient", "Client"); // mirrors another process
-    EXPECT_TRUE(Debug::isServer() && Debug::isClient());
-    Debug::setServerMode(false);
-    EXPECT_FALSE(Debug::isServer());
-    Debug::exitDebug();
-    Debug::exitDebug();
-    EXPECT_TRUE(Debug::isClient()) << "never left";
-}
-
 TEST_F(Queue, TakesWindowCallsAtAnyTime)
 {
     for (int round = 0; round < 3; ++round) {

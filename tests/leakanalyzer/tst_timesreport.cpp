@@ -21,20 +21,6 @@ protected:
     }
 };
 
-TEST_F(TimesReport, emptyOneIsZeros)
-{
-    TimesRecorder recorder;
-    recorder.dump();
-    EXPECT_EQ(recorder.order, "tsc");
-    EXPECT_EQ(recorder.texts[0].source, "Method Analyzer");
-    EXPECT_EQ(recorder.texts[0].text,
-              "------------------------------ no time measurements in tracked code found.\n");
-    const Summary &sums = recorder.summaries[0];
-    EXPECT_EQ(sums.records + sums.total + sums.reserved + sums.calls, 0);
-    EXPECT_EQ(sums.earliest + sums.latest, 0U);
-    EXPECT_EQ(analysis::timeTracking(), 1);
-}
-
 TEST_F(TimesReport, rowsComeByFallingAverageWithTheirTexts)
 {
     TimesRecorder recorder;

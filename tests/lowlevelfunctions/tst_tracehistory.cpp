@@ -135,31 +135,6 @@ TEST_F(TraceHistories, ErrnoIsTheCallersBeforeAndAfter)
     EXPECT_EQ(withoutNumbers(text()), layout("%s %ls\n"));
 }
 
-TEST_F(TraceHistories, ThousandLinesLeaveTheNewestBehindALineEnd)
-{
-    const std::string line = layout(std::string(100 - layout("").size(), 'x') + '\n');
-    ASSERT_EQ(line.size(), 101U);
-    for (int i = 0; i < 1000; ++i)
-        add(line.substr(layout("").size()));
-    const std::string kept = text();
-    EXPECT_EQ(kept.size(), 10'202U);
-    EXPECT_EQ(withoutNumbers(kept).substr(0, 102), '\n' + line);
-}
-
-TEST_F(TraceHistories, OneCharacterBeyondTheLimitCostsTheOldestLine)
-{
-    constexpr std::size_t longestLine = 4095;
-    for (const std::size_t surplus : {0, 1}) {
-        TraceHistory history;
-        const std::string cut(longestLine, 'x');
-        note(history, nullptr, 0, "%s", cut.c_str());
-        note(history, nullptr, 0, "%s", cut.c_str());
-        const std::size_t room = 10'238 - 2 * longestLine - layout("\n").size();
-        note(history, nullptr, 0, "%s", std::string(room + surplus, 'y').c_str());
-        EXPECT_EQ(textOf(history).size(), surplus == 0 ? 10'238U : 10'239U - (longestLine - 1));
-    }
-}
-
 /// The history as a plain string.
 class Model
 {

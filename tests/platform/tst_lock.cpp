@@ -124,14 +124,5 @@ TEST(WaitCondition, limitedWaitEndsWithTheMutexHeld)
     EXPECT_GE(std::chrono::steady_clock::now() - start, 10ms);
 }
 
-TEST(Thread, idsDifferWhileThreadsLive)
-{
-    void *other = nullptr;
-    Thread([&] { other = currentThreadId(); }).join();
-    EXPECT_NE(other, nullptr);
-    EXPECT_NE(other, currentThreadId());
-    EXPECT_EQ(currentThreadId(), currentThreadId());
-}
-
 } // namespace
 } // namespace Zorvan::platform::tests

@@ -44,15 +44,6 @@ TEST_F(ConnectedSocket, bytesGoBothWaysUntilTheOrderlyEnd)
     EXPECT_EQ(m_socket.state(), SocketState::Ok);
 }
 
-TEST_F(ConnectedSocket, longTextArrivesWhole)
-{
-    std::string text(1U << 20, 'x');
-    for (std::size_t i = 0; i < text.size(); ++i)
-        text[i] = static_cast<char>(i % 251);
-    Thread sender([&] { EXPECT_EQ(m_socket.send(text), static_cast<std::int64_t>(text.size())); });
-    EXPECT_EQ(m_peer.read(text.size()), text);
-}
-
 TEST_F(ConnectedSocket, nonBlockingCallsReturnWhatIsDone)
 {
     m_socket.setBlocking(false);

@@ -93,15 +93,6 @@ TEST_F(BuiltinHooks, ShowWhatTheTestEditorHolds)
     EXPECT_TRUE(runUntil([] { return editor() == nullptr && allDialogs().isEmpty(); }));
 }
 
-TEST_F(BuiltinHooks, ShowTestBoxes)
-{
-    const char *const key = "DebugServer_testMsgBox";
-    EXPECT_EQ(boxOf(key, "", "testbox", "OK"), "test: OK Cancel [OK]");
-    EXPECT_EQ(boxOf(key, "OK", "testbox", "Cancel"), "test: OK Cancel [OK]");
-    EXPECT_EQ(boxOf(key, "Cancel", "testbox", "OK"), "test: OK Cancel [Cancel]");
-    EXPECT_EQ(boxOf(key, "Many", "looping many times ?", "Cancel"), "test: OK Cancel [OK]");
-}
-
 TEST_F(BuiltinHooks, LoopTestBoxesUntilTheLibraryEnds)
 {
     robot->click("OK");

@@ -102,19 +102,6 @@ TEST_F(Classification, ClassesAreNamedByTheirBeginnings)
     }
 }
 
-TEST_F(Classification, AShrunkModuleKeepsItsFormerClassesAndLevel)
-{
-    Debug::setClippingLevel(kernel, 4);
-    describe(kernel, {"<scan a>, ", "<scan b>, ", "<trace>, "}, {});
-    enableClasses("SCAN");
-    EXPECT_EQ(classes(), "scan a,scan b");
-    describe(kernel, {"<scan a>, "}, {"zero", "one"});
-    EXPECT_TRUE(active(4, 1)) << "no level has the saved name";
-    EXPECT_FALSE(active(1, 2));
-    EXPECT_NE(classes(), "all");
-    EXPECT_EQ(level(), "");
-}
-
 TEST_F(Classification, LevelsAreNamedByAPartOfTheirDescription)
 {
     for (const auto &[result, texts] : SpecsByResult{
@@ -177,25 +164,12 @@ TEST_F(Classification, ChangesOfAllClassesAreAnnouncedOnce)
         << "before the single classes come";
 }
 
-TEST_F(Classification, SavedSettingsAreAppliedWithTheDescriptions)
-{
-    host.store("ScanDebugClasses", "B");
-    host.store("ScanDebugLevel", "Detail");
-    const moduleId scan = Debug::createModule("Scanner", "Scan");
-    for (const bool renamed : {false, true}) { // the key follows the description
-        describe(scan, {"<alpha>, ", "<beta>, "}, {"<Critical>: ", "<Detail>: ", "<More>: "});
-        EXPECT_EQ(classes(scan), renamed ? "all" : "beta");
-        EXPECT_EQ(level(scan), renamed ? "Critical" : "Detail");
-        Debug::setModuleDescription(scan, "Scanner", "Elsewhere");
-    }
-}
-
-void expectSmokeTestMode(std::function<void(const QString &)> onRead)
+TEST(SmokeTest, PassesLevelZeroAloneEvenIfItsReaderPrints)
 {
     MapHost host;
     host.store("doingSmokeTest", 1);
     host.store("DebugServerDebugLevel", "full");
-    host.onRead = std::move(onRead);
+    host.onRead = [](const QString &) { Debug::println(kernel, 0, QStringLiteral("text"), 4); };
     Debug::initDebug();
     Debug::setClippingLevel(kernel, -1);
     EXPECT_TRUE(Debug::isActive(kernel, 0, 0));
@@ -204,16 +178,6 @@ void expectSmokeTestMode(std::function<void(const QString &)> onRead)
     EXPECT_EQ(Debug::getActiveLevel(kernel, 0), 0);
     EXPECT_EQ(host.takeLines().size(), 0U);
     Debug::exitDebug();
-}
-
-TEST(SmokeTest, PassesLevelZeroAndNothingElse)
-{
-    expectSmokeTestMode(nullptr);
-}
-
-TEST(SmokeTest, IsFoundByAReaderThatPrints)
-{
-    expectSmokeTestMode([](const QString &) { Debug::println(kernel, 0, QStringLiteral("text"), 4); });
 }
 
 TEST(SmokeTest, IsAskedForOnceInTheLifeOfAProcess)

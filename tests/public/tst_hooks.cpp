@@ -173,13 +173,6 @@ TEST_F(Hooks, MembersAreFoundByObjectAndMethod)
     EXPECT_EQ(callsAfter(&a, nullptr), std::pair(0, 11));
     EXPECT_EQ(callsAfter(nullptr, addTen), std::pair(1, 1));
     EXPECT_EQ(callsAfter(nullptr, nullptr), std::pair(0, 0));
-    host.takeLines();
-    callsAfter(&a, addOne);
-    const Texts lines = host.takeLines();
-    ASSERT_EQ(lines.size(), 6U) << "a warning each time";
-    EXPECT_EQ(lines[5].substr(lines[5].find("method")),
-              "method Debug::installCppHookHandler(\"key\") may become obsolete in a few versions. "
-              "Please use Debug::installHook() instead.");
 }
 
 TEST_F(Hooks, DestroyedObjectsAreNotCalledAndMakeRoomForOthers)

@@ -106,19 +106,6 @@ TEST_F(Measurements, SurviveACounterThatPassesItsEndAndANullStopwatch)
     EXPECT_EQ(takeTexts(), Lines{});
 }
 
-TEST_F(Measurements, ReportOnlyWhereTheModuleIsActive)
-{
-    EXPECT_EQ(report(), "current timenancycles needed") << "never started";
-    watch->level = info + 1;
-    EXPECT_EQ(report(), "0 lines");
-    watch->module = 3;
-    Debug::setClippingLevel(3, info + 1);
-    EXPECT_EQ(report(), "current timenancycles needed");
-    Debug::disableMessageClassType(3, 1);
-    watch->messageClass = 1;
-    EXPECT_EQ(report(), "0 lines");
-}
-
 TEST_F(Measurements, KeepTheTotalBehindTheOneInWhichTheyWereArmed)
 {
     Debug::setClippingLevel(0, 4);
@@ -137,19 +124,17 @@ TEST_F(Measurements, KeepTheTotalBehindTheOneInWhichTheyWereArmed)
     startTimer(timeMeasHardwareLevel, 1002);
     for (int round = 0; round < 2; ++round) { // whatever comes again changes nothing
         const quint64 later = 1000 + 7000 * static_cast<quint64>(round);
-        startTimer(timeMeasParse, later + 10);
-        stopTimer(timeMeasParse, later + 30);
-        startTimer(timeMeasScpiToDatabase, later + 40);
-        stopTimer(timeMeasScpiToDatabase, later + 45);
+        const auto stage = [&](enumTimeMeas which, quint64 at, quint64 ticks, bool second = false) {
+            startTimer(which, later + at, second);
+            stopTimer(which, later + at + ticks, second);
+        };
+        stage(timeMeasParse, 10, 20);
+        stage(timeMeasScpiToDatabase, 40, 5);
         startTimer(timeMeasDatabase, later + 100);
-        startTimer(timeMeasHardware, later + 200);
-        stopTimer(timeMeasHardware, later + 240);
-        startTimer(timeMeasHardware, later + 300, true);
-        stopTimer(timeMeasHardware, later + 307, true);
-        startTimer(timeMeasHardwareFrequency, later + 400, true);
-        stopTimer(timeMeasHardwareFrequency, later + 411, true);
-        startTimer(timeMeasHardwareLevel, later + 500, true);
-        stopTimer(timeMeasHardwareLevel, later + 503, true);
+        stage(timeMeasHardware, 200, 40);
+        stage(timeMeasHardware, 300, 7, true);
+        stage(timeMeasHardwareFrequency, 400, 11, true);
+        stage(timeMeasHardwareLevel, 500, 3, true);
         stopTimer(timeMeasDatabase, later + 600);
     }
     EXPECT_EQ(takeTexts(), Lines{}) << "only the end of the total tells";

@@ -7,7 +7,6 @@
 #include <array>
 #include <climits>
 #include <gtest/gtest.h>
-#include <map>
 
 using Zorvan::Debug;
 using Zorvan::moduleId;
@@ -85,21 +84,6 @@ class NoTable : public Modules
 {
     void SetUp() override {}
 };
-
-TEST_F(Modules, PredefinedModulesHaveTheirNamesAndSettings)
-{
-    const std::map<moduleId, std::array<std::string, 2>> some = {
-        {0, {"#DebugServer#", "DebugServer"}}, {8, {"KLV-Unicod3", "Unicod3"}},
-        {9, {"KLV-Unicod4", "Unicod4"}},       {17, {"KLV-Fader", "Fader"}},
-        {18, {"KLV-B12", "KLVB12"}},           {22, {"Tarnel-BaseBoard", "Tarnel"}},
-        {24, {"WAVEMILL2", "Wavemill2"}},      {26, {"Please call setModuleDescription()", "unnamedModule"}}};
-    for (const auto &[id, texts] : some) {
-        use(id);
-        EXPECT_EQ(name(id), texts[0]);
-        for (const char *const setting : {"DebugClasses", "DebugLevel"})
-            EXPECT_EQ(host.reads((texts[1] + setting).c_str()), id == 26 ? 5 : 1) << texts[1];
-    }
-}
 
 TEST_F(Modules, IdsAreDenseWhileTheTableDoubles)
 {

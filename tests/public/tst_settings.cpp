@@ -117,20 +117,6 @@ TEST_F(Settings, TheSettingsStringTakesAndGivesEveryKeyword)
     EXPECT_EQ(enabled(), "throwAssertion,allowProgrammaticClear,");
 }
 
-TEST_F(Settings, EverySettingsStringIsAnnouncedSevenTimes)
-{
-    host.store("DebugServerDebugLevel", "info");
-    Debug::initDebug();
-    const auto lines = [this](const char *text) {
-        host.takeLines();
-        enable(text);
-        return host.takeLines().size();
-    };
-    EXPECT_EQ(lines("disableOutput"), 7U * 3) << "output ends behind the notices";
-    EXPECT_EQ(lines(""), 0U) << "and begins again behind them";
-    EXPECT_EQ(lines(""), 7U * 3);
-}
-
 TEST_F(Settings, DisabledOutputComesBackWithTheNextChangeOfAModule)
 {
     Debug::initDebug();
