@@ -16,6 +16,7 @@
 
 #include <algorithm>
 #include <new>
+#include <utility>
 
 namespace Zorvan {
 
@@ -113,10 +114,12 @@ QVariant cell(const AnalysisReport &report, const MethodRow &row, int column)
 void sortRows(AnalysisReport &report, int column, Qt::SortOrder order)
 {
     const auto sortBy = [&](const auto &isLess) {
-        std::stable_sort(report.rows.begin(), report.rows.end(),
-                         [&](const MethodRow &left, const MethodRow &right) {
-                             return order == Qt::AscendingOrder ? isLess(left, right) : isLess(right, left);
-                         });
+        std::stable_sort(
+            report.rows.begin(), report.rows.end(), [&](const MethodRow &left, const MethodRow &right) {
+                const auto [first, second] = order == Qt::AscendingOrder ? std::make_pair(&left, &right)
+                                                                         : std::make_pair(&right, &left);
+                return isLess(*first, *second);
+            });
     };
     if (column == ResultsWindow::MethodName)
         sortBy([](const MethodRow &left, const MethodRow &right) { return left.name < right.name; });
