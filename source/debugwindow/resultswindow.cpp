@@ -339,12 +339,9 @@ void ResultsWindow::finish()
     fitColumns();
 }
 
-/// Where it was put, it keeps the place that led there: real frames are not as wide as it is reckoned with.
 QRect ResultsWindow::place() const
 {
-    if (pos() == windowgeometry::framePosition(m_restoredPlace))
-        return {m_restoredPlace.topLeft(), size()};
-    return isMaximized() || isFullScreen() ? normalGeometry() : geometry();
+    return windowgeometry::placeOf(*this, m_restoredPlace);
 }
 
 void ResultsWindow::changeEvent(QEvent *event)

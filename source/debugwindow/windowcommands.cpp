@@ -197,14 +197,9 @@ void DebugWindow::makeDefault()
     host::saveConfiguration();
 }
 
-/// The client rectangle of the window when it is not maximised. A window that is where it was put keeps the
-/// place that led there: real frames are not as wide as it is reckoned with, and it would wander a little at
-/// each start.
 QRect DebugWindow::place() const
 {
-    if (pos() == windowgeometry::framePosition(m_restoredPlace))
-        return {m_restoredPlace.topLeft(), size()};
-    return isMaximized() || isFullScreen() ? normalGeometry() : geometry();
+    return windowgeometry::placeOf(*this, m_restoredPlace);
 }
 
 } // namespace Zorvan

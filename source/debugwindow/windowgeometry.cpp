@@ -3,6 +3,7 @@
 #include <QGuiApplication>
 #include <QScreen>
 #include <QStringList>
+#include <QWidget>
 
 #include <array>
 
@@ -95,6 +96,13 @@ QRect placed(const QString &stored, const Desktop &desktop, const QRect &standar
 QPoint framePosition(const QRect &client)
 {
     return client.topLeft() - QPoint(frameMarginPx, titleMarginPx);
+}
+
+QRect placeOf(const QWidget &window, const QRect &restored)
+{
+    if (window.pos() == framePosition(restored))
+        return {restored.topLeft(), window.size()};
+    return window.isMaximized() || window.isFullScreen() ? window.normalGeometry() : window.geometry();
 }
 
 } // namespace Zorvan::windowgeometry

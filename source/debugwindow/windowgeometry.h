@@ -5,6 +5,8 @@
 
 #include <optional>
 
+class QWidget;
+
 namespace Zorvan::windowgeometry {
 
 /// How far the client area lies inside the frame of a window, in pixels: right and bottom like left.
@@ -36,5 +38,9 @@ struct Desktop
 [[nodiscard]] QRect placed(const QString &stored, const Desktop &desktop, const QRect &standard);
 /// Where QWidget::move() has to put the frame for this client rectangle.
 [[nodiscard]] QPoint framePosition(const QRect &client);
+/// The client rectangle of a window when it is not maximised, to be stored. A window that is where it was put
+/// keeps the place that led there: real frames are not as wide as it is reckoned with, and it would wander a
+/// little at each start.
+[[nodiscard]] QRect placeOf(const QWidget &window, const QRect &restored);
 
 } // namespace Zorvan::windowgeometry
