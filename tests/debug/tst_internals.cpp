@@ -49,14 +49,17 @@ TEST(Internals, PatternsMayBeLongButNotMultiply)
          {QString(), repeated("x", 1000), repeated(".*", 16), repeated("(", 50) + repeated(")", 50),
           QStringLiteral("^.*(Error|Warning>).*[0-9]{4}.[*{99999}]\\{99999}(a{90}){9}$"), repeated(")", 100),
           QStringLiteral("[x"), QStringLiteral("x\\"), QStringLiteral("colou?r(?=.*x)[0-9]{1,3}"),
-          QStringLiteral("a{0,90}")})
+          QStringLiteral("a{0,90}"), QStringLiteral("((\\d+\\.)+|[a-z]*)*"),
+          QStringLiteral("(error|warning|critical)+(:|(,|;)*)")})
         EXPECT_TRUE(isAffordable(pattern)) << pattern.left(40).toStdString();
-    for (const QString &pattern :
-         {repeated("x", 1001), repeated(".*", 17), repeated(".?", 51), repeated("(x)\\1", 17),
-          repeated("(", 51), QStringLiteral("(a{100}){100}"), QStringLiteral("((a{0,20}){0,20})x"),
-          QStringLiteral("((a{0,9}){,12})"), QStringLiteral("(.*){100}"), QStringLiteral("(.*)*"),
-          QStringLiteral("(?=.*(?=.*x))"), QStringLiteral("(a{1,}){17,}")})
+    for (const QString &pattern : {repeated("x", 1001), repeated(".*", 17), repeated(".?", 51),
+                                   repeated("(x)\\1", 17), repeated("(", 51), QStringLiteral("(a{100}){100}"),
+                                   QStringLiteral("((a{0,20}){0,20})x"), QStringLiteral("((a{0,9}){,12})"),
+                                   QStringLiteral("(.*){100}"), repeated("(", 17) + repeated("x*)", 17),
+                                   QStringLiteral("(?=.*(?=.*x))"), QStringLiteral("(a{1,}){17,}")})
         EXPECT_FALSE(isAffordable(pattern)) << pattern.left(40).toStdString();
+    EXPECT_TRUE(isCheap(repeated(".*", 4)));
+    EXPECT_FALSE(isCheap(repeated(".*", 5)));
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 // The dialog of the message boxes: its buttons, keys, sizes and colours.
 
 #include "debugserverqueue/debugmessagedialog.h"
+#include "debugwindow/fontweight.h"
 #include "support/guiapplication.h"
 #include "support/maphost.h"
 
@@ -282,9 +283,9 @@ TEST_F(MessageDialog, TakesDisplayAndFontFromTheHost)
         EXPECT_EQ(settings.area.keptFree, keptFree);
         EXPECT_EQ(settings.fontFamily, QLatin1String(font));
         EXPECT_EQ(settings.fontSizePt, fontSize);
-        EXPECT_EQ(debugMessageDialog(modal({1, 0, 0})).font().weight(), fontWeight);
+        EXPECT_EQ(fontweight::toStore(debugMessageDialog(modal({1, 0, 0})).font()), fontWeight);
     };
-    expect(desktop, {}, "Arial", 10, QFont::Normal);
+    expect(desktop, {}, "Arial", 10, 50);
     test::MapHost host;
     const auto storeWidth = [&host](int width) {
         host.writeStringSetting("GuiDimensions", QStringLiteral("DisplayWidth"), QString::number(width));

@@ -1,5 +1,4 @@
-// The lines that wait: what wakes the GUI thread and when, their count, their limit; and the batches it makes
-// of them.
+// The lines that wait: what wakes the GUI thread and when, their count, their limit, and their batches.
 
 #include "debugserverqueue/debugserverqueue.h"
 #include "debugserverqueue/events.h"

@@ -2,6 +2,8 @@
 
 #include "debugwindow/rowcopy.h"
 
+#include <QStringList>
+
 #include <algorithm>
 #include <cstdint>
 #include <string>
@@ -74,10 +76,24 @@ public:
     }
     void addPattern(const QString &pattern)
     {
-        patterns.push_back(pattern.toLatin1().toStdString());
+        texts.append(pattern);
+        hasPatterns = true;
         setMarkedOutputOnly(markedOnly);
     }
-    void clearPatterns() { patterns.clear(); }
+    /// Of two equal ones that follow each other the second stays; rows stay entries of the index.
+    void removePattern(const QString &pattern)
+    {
+        for (int i = 0; i < texts.size(); ++i) {
+            if (texts[i] == pattern)
+                texts.removeAt(i);
+        }
+    }
+    void clearPatterns()
+    {
+        texts.clear();
+        hasPatterns = false;
+    }
+    QString patterns() const { return texts.join(QLatin1Char('|')); }
     void setMarkedOutputOnly(bool on)
     {
         markedOnly = on;
@@ -130,7 +146,7 @@ public:
     }
 
 private:
-    bool isFiltering() const { return markedOnly && !patterns.empty(); }
+    bool isFiltering() const { return markedOnly && hasPatterns; }
     void indexNew(const std::string &line)
     {
         if (wraps && index.size() > 1 && index[0] < ringStart)
@@ -143,8 +159,10 @@ private:
     }
     bool matches(std::string_view line) const
     {
-        const auto isIn = [&](const std::string &pattern) { return line.find(pattern) != line.npos; };
-        return std::any_of(patterns.begin(), patterns.end(), isIn);
+        const auto isIn = [&](const QString &pattern) {
+            return line.find(pattern.toLatin1().toStdString()) != line.npos;
+        };
+        return std::any_of(texts.begin(), texts.end(), isIn);
     }
     bool enter(std::size_t marked)
     {
@@ -173,11 +191,11 @@ private:
     GrowingBlock<char> textBlock;
     GrowingBlock<int> startBlock, indexBlock;
     std::string text;
-    std::vector<std::string> patterns;
+    QStringList texts;
     std::vector<std::size_t> starts, index;
     std::size_t position = 0, slot = 0, ringStart = 0, indexStart = 0;
     std::size_t maximum = 300000, limit = 0, extra = 0;
-    bool wraps = false, markedOnly = false;
+    bool wraps = false, markedOnly = false, hasPatterns = false;
 };
 
 inline const char *const testPatterns[] = {"a", "bc", "7", "g\xE9", "xxx", "3cd", "xxxxxxxxxxxab", ""};
@@ -189,7 +207,8 @@ void operate(Buffer &buffer, unsigned operation, unsigned value, std::size_t num
     case 0:
         return buffer.addPattern(QLatin1String(testPatterns[value % 8]));
     case 1:
-        return buffer.clearPatterns();
+        return value < 64 ? buffer.clearPatterns()
+                          : buffer.removePattern(QLatin1String(testPatterns[value % 8]));
     case 2:
     case 3:
         return buffer.setMarkedOutputOnly(value < 170);
@@ -262,7 +281,8 @@ inline bool behaveAlike(const std::uint8_t *bytes, std::size_t size)
     for (std::size_t i = 0; areEqual && i + 1 < std::min<std::size_t>(size, 200); i += 2) {
         operate(buffer, bytes[i] % 32U, bytes[i + 1], i);
         operate(plain, bytes[i] % 32U, bytes[i + 1], i);
-        areEqual = buffer.lineCount() == plain.lineCount() && buffer.rowCount() == plain.rowCount();
+        areEqual = buffer.patterns() == plain.patterns() && buffer.lineCount() == plain.lineCount()
+            && buffer.rowCount() == plain.rowCount();
         for (std::size_t row = 0; areEqual && row < plain.rowCount(); row += 1 + plain.rowCount() / 4096)
             areEqual = buffer.line(static_cast<std::int64_t>(row)) == plain.line(row);
         areEqual = areEqual && findAlike(buffer, plain, bytes[i + 1]);

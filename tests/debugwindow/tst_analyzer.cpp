@@ -121,7 +121,7 @@ protected:
     {
         analysis::setTimeTracking(2);
         measure(1, "C:\\src\\alpha.cpp", "a");
-        measure(2, "src/beta.cpp", "b");
+        measure(2, "src/b\351ta.cpp", "b");
     }
     static ResultsWindow *table()
     {
@@ -202,17 +202,17 @@ TEST_F(Analyzer, DumpsWhatIsTrackedForTheStoredSources)
     EXPECT_TRUE(table()->isActiveWindow());
     EXPECT_EQ(texts.size(), 2U) << "no leaks are tracked";
     analysis::setMemoryTracking(1);
-    void *const block = analysis::allocate(8, "src/beta.cpp", 5, false);
-    host.store("LeakAnalysisSources", "gamma.cpp;beta.cpp");
+    void *const block = analysis::allocate(8, "src/b\351ta.cpp", 5, false);
+    host.store("LeakAnalysisSources", "gamma.cpp;b\351ta.cpp");
     texts.clear();
     run(AnalyzerCommand::DumpResults);
     EXPECT_EQ(names(), "b");
-    EXPECT_EQ(std::count(texts.begin(), texts.end(), "src/beta.cpp"), 2) << "a leak and a method";
+    EXPECT_EQ(std::count(texts.begin(), texts.end(), "src/b\351ta.cpp"), 2) << "a leak and a method";
     host.store("LeakAnalysisSources", "<none>");
     texts.clear();
     run(AnalyzerCommand::DumpResults);
     EXPECT_EQ(names(), "");
-    EXPECT_EQ(std::count(texts.begin(), texts.end(), "src/beta.cpp"), 0);
+    EXPECT_EQ(std::count(texts.begin(), texts.end(), "src/b\351ta.cpp"), 0);
     analysis::setTimeTracking(0);
     host.store("LeakAnalysisSources", "");
     run(AnalyzerCommand::DumpResults);
@@ -224,14 +224,14 @@ TEST_F(Analyzer, ClearsOnlyWhatIsTracked)
 {
     measureTwo();
     analysis::setMemoryTracking(1);
-    void *const block = analysis::allocate(8, "src/beta.cpp", 5, false);
+    void *const block = analysis::allocate(8, "src/b\351ta.cpp", 5, false);
     run(AnalyzerCommand::DumpResults);
     analysis::setTimeTracking(0);
     run(AnalyzerCommand::ClearResults);
     EXPECT_EQ(names(), "ab");
     texts.clear();
     run(AnalyzerCommand::DumpResults);
-    EXPECT_EQ(std::count(texts.begin(), texts.end(), "src/beta.cpp"), 0) << "no leak";
+    EXPECT_EQ(std::count(texts.begin(), texts.end(), "src/b\351ta.cpp"), 0) << "no leak";
     analysis::setTimeTracking(2);
     run(AnalyzerCommand::ClearResults);
     EXPECT_EQ(names(), "");
@@ -321,7 +321,7 @@ TEST_F(Analyzer, LetsTheUserSelectSources)
     empty.files().methodInformation("a.cpp", 1, "a");
     EXPECT_TRUE(ok->isEnabled());
     measureTwo();
-    measure(3, "other/beta.cpp", "b2");
+    measure(3, "other/b\351ta.cpp", "b2");
     analysis::startMethod(0, nullptr, 0, "of the analyzer");
     const auto inDialog = [this](
                               const char *before, const char *button,
@@ -337,21 +337,23 @@ TEST_F(Analyzer, LetsTheUserSelectSources)
         run(AnalyzerCommand::SelectSources);
         return host.stored("LeakAnalysisSources").toStdString();
     };
-    EXPECT_EQ(inDialog("xalpha.cpp xbeta.cpp ", "Cancel"), "");
+    EXPECT_EQ(inDialog("xalpha.cpp xb\u00e9ta.cpp ", "Cancel"), "");
     EXPECT_TRUE(host.written().empty());
-    EXPECT_EQ(inDialog("xalpha.cpp xbeta.cpp ", "Ok",
+    EXPECT_EQ(inDialog("xalpha.cpp xb\u00e9ta.cpp ", "Ok",
                        [](sourceFileList &files) { files.item(0)->setCheckState(Qt::Unchecked); }),
-              "beta.cpp");
+              "b\u00e9ta.cpp");
     host.store("LeakAnalysisSources", "unmeasured.cpp;;alpha.cpp");
-    EXPECT_EQ(inDialog("xalpha.cpp beta.cpp xunmeasured.cpp ", "Ok"), "alpha.cpp;unmeasured.cpp");
+    EXPECT_EQ(inDialog("xalpha.cpp b\u00e9ta.cpp xunmeasured.cpp ", "Ok"), "alpha.cpp;unmeasured.cpp");
     const auto fromMenu = [](const char *entry) {
         return [entry](sourceFileList &files) {
             QContextMenuEvent event(QContextMenuEvent::Keyboard, {});
             chooseInMenu([&] { QCoreApplication::sendEvent(&files, &event); }, entry);
         };
     };
-    EXPECT_EQ(inDialog("xalpha.cpp beta.cpp xunmeasured.cpp ", "Ok", fromMenu("Select None...")), "<none>");
-    EXPECT_EQ(inDialog("alpha.cpp beta.cpp ", "Ok", fromMenu("Select All...")), "alpha.cpp;beta.cpp");
+    EXPECT_EQ(inDialog("xalpha.cpp b\u00e9ta.cpp xunmeasured.cpp ", "Ok", fromMenu("Select None...")),
+              "<none>");
+    EXPECT_EQ(inDialog("alpha.cpp b\u00e9ta.cpp ", "Ok", fromMenu("Select All...")),
+              "alpha.cpp;b\u00e9ta.cpp");
 }
 
 TEST_F(Analyzer, MayGoWhileItIsAtWork)

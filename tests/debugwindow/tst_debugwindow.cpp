@@ -161,10 +161,19 @@ TEST_F(Window, ComesAsItWasStoredAndGoesBackOnMakeDefault)
 
     for (const auto &entry : stored)
         host.store(entry.first, "?");
+    Debug::setDisplayFlags(-7); // the thread is shown
+    Debug::installHook("DebugServerMakeDefaultHook", &hooks, true);
     window->makeDefault();
+    EXPECT_EQ(hooks.takeCalls().size(), 1U);
+    EXPECT_EQ(host.stored("DebugServerShowThreadID"), QStringLiteral("On"));
+    EXPECT_EQ(host.stored("DebugServerShowModule"), QStringLiteral("Off"));
     host.store(stored[1].first, stored[1].second);
     for (const auto &[key, value] : stored)
         EXPECT_EQ(host.stored(key).toStdString(), value) << key;
+    std::string keys;
+    for (const std::string &key : host.written())
+        keys += key + ' ';
+    EXPECT_NE(keys.find("ShowThreadID DebugServerShowModule DebugServerConsoleOutput"), std::string::npos);
     window->setGeometry(20, 50, 500, 300);
     Debug::setClientMode();
     host.store("DebugServerRegexpFilter", "of the other process");
@@ -172,6 +181,11 @@ TEST_F(Window, ComesAsItWasStoredAndGoesBackOnMakeDefault)
     EXPECT_EQ(host.stored("DebugServerWindowGeometry"), QStringLiteral("20;50;500;300"));
     EXPECT_EQ(host.stored("DebugServerRegexpFilter"), QStringLiteral("of the other process"));
     EXPECT_EQ(host.stored("DebugAnalysisWindowGeometry"), QStringLiteral("1;2;3;4"));
+    host.store("DebugServerWindowGeometry", "8;30;600;300"); // in the corner, where maximised ones are, too
+    open();
+    window->showMaximized();
+    window->makeDefault();
+    EXPECT_EQ(host.stored("DebugServerWindowGeometry"), QStringLiteral("8;30;600;300"));
 }
 
 TEST_F(Window, DropsLinesWhileItsOutputIsOff)
@@ -299,6 +313,9 @@ TEST_F(Window, CompletesWhatIsTyped)
     QTest::keyClick(&parameters(), Qt::Key_Backspace); // shorter is not completed
     EXPECT_EQ(typed(""), "frequ|");
     EXPECT_EQ(typed("e"), "frequency 2|ncy 2");
+    QTest::keyClick(&parameters(), Qt::Key_End);
+    QTest::keyClick(&parameters(), Qt::Key_Backspace);
+    EXPECT_EQ(typed(""), "frequency |") << "taken over, and then deleted from";
     window->reset();
     EXPECT_EQ(parameters().currentText(), QString());
 }
@@ -323,6 +340,11 @@ TEST_F(Window, TellsTheKeyHandlerEachEventOnce)
     window->showMinimized();
     window->showNormal();
     EXPECT_EQ(keys.take(), Told{"inactive"});
+    window->showMinimized();
+    window->hide();
+    window->show();
+    window->showNormal();
+    EXPECT_EQ(keys.take(), Told{"visible"});
     window->hide();
     window->show();
     window->close();

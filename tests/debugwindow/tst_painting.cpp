@@ -265,7 +265,7 @@ TEST_F(Painting, FindsTheColumnWhosePrefixReachesAPixel)
         useFont(wanted);
         for (const std::string &text :
              {"Some Words, " + latin1(0xA0, 0xFF), std::string("a\tbc\tdef\x01\x02ghi"), std::string(),
-              std::string("x"), std::string(400, 'i')}) {
+              std::string("x"), std::string(400, 'i'), std::string(200, '\r') + "wide"}) {
             const qreal end = latinFont.width(text);
             for (qreal x = 0.25; x <= end; x += 3.5) {
                 const auto column = static_cast<std::size_t>(latinFont.columnAt(text, x));

@@ -143,6 +143,9 @@ TEST_F(MessageView, AppendsALineForEachPieceAndFollows)
     EXPECT_TRUE(bar().maximum() == 60 && bar().value() == 50);
     run(ViewCommand::Clear);
     EXPECT_TRUE(bar().maximum() == 0 && view->buffer().lineCount() == 0);
+    QGuiApplication::clipboard()->setText(QStringLiteral("of before"));
+    run(ViewCommand::Copy);
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), QString());
     EXPECT_EQ(view->horizontalScrollBar()->maximum(), 256);
     EXPECT_TRUE(bar().isVisible() && view->horizontalScrollBar()->isVisible());
 }
@@ -208,6 +211,12 @@ TEST_F(MessageView, SelectsWithTheMouse)
     EXPECT_EQ(copied().find("\033[31m"), std::string("row 0\n").size() * 6) << "as it was stored";
     append("");
     EXPECT_EQ(linesIn(Qt::lightGray), "") << "so does output";
+    press(at(0, 1));
+    append("");
+    move(at(1, 3));
+    QTest::mousePress(view->viewport(), Qt::LeftButton, Qt::ControlModifier, at(0, 2));
+    move(at(2, 3));
+    EXPECT_EQ(linesIn(Qt::lightGray), "") << "nothing was begun";
 }
 
 TEST_F(MessageView, FollowsAMouseThatIsDraggedOutside)
@@ -295,6 +304,11 @@ TEST_F(MessageView, MarksLinesAndKeepsMarkersInFiles)
     robot.choose(path);
     run(ViewCommand::SaveMarkers);
     EXPECT_EQ(readFile(path.toStdString() + ".dbgfilt"), "row 2|b\n");
+    writeFile(path.toStdString() + ".DBGFILT.dbgfilt", "other");
+    robot.choose(path + QStringLiteral(".DBGFILT"));
+    robot.click("No");
+    run(ViewCommand::SaveMarkers);
+    EXPECT_EQ(readFile(path.toStdString() + ".DBGFILT.dbgfilt"), "other");
     robot.choose(path + QStringLiteral(".dbgfilt"));
     key(Qt::Key_O, Qt::ControlModifier | Qt::ShiftModifier);
     EXPECT_EQ(view->buffer().patterns(), QStringLiteral("row 2|b|row 2|b\n"));

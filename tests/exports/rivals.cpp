@@ -1,5 +1,4 @@
-// A host with functions of its own under the library's names: its linker prefers them to those of every
-// shared library. The library must not call them.
+// A host with functions of its own under the library's names, which the library must not call.
 
 #include <zorvan/debug.h>
 

@@ -1,5 +1,4 @@
-// Message boxes that are shown: answers, default buttons, boxes inside boxes, the life of non-modal ones, and
-// what stands in for a box.
+// Message boxes that are shown: answers, boxes inside boxes, non-modal ones, and what stands in for a box.
 
 #include "boxtest.h"
 
@@ -244,21 +243,6 @@ TEST_F(Boxes, AreToldToTheInformationManagerBeforeAnythingElseIsAsked)
     robot->click("OK");
     EXPECT_EQ(ask(true, ok), ok);
     Debug::setUtilityCallbackHandler(&host);
-}
-
-TEST_F(Boxes, CannotBeRemovedWhileTheyAreSwitchedOff)
-{
-    const int box = openBox(ok);
-    host.store("enableMessageBoxes", 0);
-    Debug::removeMessageBox(box);
-    host.store("enableMessageBoxes", 1);
-    Debug::setOutputReceiver(-1, [](hookData *) {});
-    Debug::removeMessageBox(box);
-    Debug::setOutputReceiver(-1, nullptr);
-    runOn();
-    EXPECT_EQ(openDialogs().size(), 1);
-    Debug::removeMessageBox(box);
-    EXPECT_TRUE(runUntil([] { return allDialogs().isEmpty(); }));
 }
 
 } // namespace

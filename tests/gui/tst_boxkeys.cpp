@@ -85,7 +85,7 @@ TEST_F(BoxKeys, TabStaysInsideTheBox)
 
 TEST_F(BoxKeys, OfOtherWindowsAreLeftAloneWhileABoxIsOpen)
 {
-    openBox(ok);
+    const int id = openBox(ok);
     QWidget ofHost;
     auto *const layout = new QVBoxLayout(&ofHost);
     auto *const first = new QLineEdit(&ofHost);
@@ -99,6 +99,10 @@ TEST_F(BoxKeys, OfOtherWindowsAreLeftAloneWhileABoxIsOpen)
     EXPECT_EQ(ofHost.focusWidget(), first);
     press(ofHost, Qt::Key_Backtab, Qt::ShiftModifier);
     EXPECT_EQ(ofHost.focusWidget(), last);
+    Debug::removeMessageBox(id);
+    EXPECT_TRUE(runUntil([] { return allDialogs().isEmpty(); }));
+    QObject::connect(last, &QLineEdit::returnPressed, [] { ADD_FAILURE() << "no box is left"; });
+    press(ofHost, Qt::Key_F12, Qt::AltModifier);
 }
 
 TEST_F(BoxKeys, AMinimisedBoxStays)

@@ -37,6 +37,8 @@ TEST_F(Ends, OfTheLibraryTakeOpenBoxesAway)
             return round;
         };
         EXPECT_EQ(round == 2 ? inWorker(end) : end(), round);
+        for (const QDialog *const dialog : allDialogs())
+            EXPECT_TRUE(round == 2 || !dialog->isVisible()) << "the caller may stay where it is";
         EXPECT_TRUE(runUntil([] { return allDialogs().isEmpty(); })) << "round " << round;
         Debug::removeMessageBox(box);
         expectBoxesWorkAgain();

@@ -79,15 +79,6 @@ TEST_P(HostLines, OfEveryStageArriveInOrderAcrossThreads)
     expectCompleteAndInOrder(numbers, 1, 20);
 }
 
-TEST_P(HostLines, ThatWaitAreDroppedByClearIfThatIsAllowed)
-{
-    const Lines lines = run("clear");
-    EXPECT_EQ(countOf(lines, "kept"), 1);
-    EXPECT_EQ(countOf(lines, "dropped"), 0);
-    EXPECT_EQ(countOf(lines, "behind"), 2);
-    EXPECT_EQ(countOf(lines, "and more"), 2);
-}
-
 TEST_P(HostLines, OfTheParentAreNotPrintedByAForkedChild)
 {
     const Lines lines = run("fork");

@@ -1,5 +1,4 @@
-// The road into the GUI thread: when settings are read, remote access and modes, and how fast printers are
-// slowed down.
+// The road into the GUI thread: when settings are read, and how fast printers are slowed down.
 
 #include "support/guiapplication.h"
 #include "support/maphost.h"
@@ -59,12 +58,6 @@ protected:
     {
         ASSERT_TRUE(runUntil([rounds = 0]() mutable { return ++rounds > 20; }));
     }
-    [[nodiscard]] std::size_t linesPrintedNow()
-    {
-        host.takeLines();
-        print();
-        return host.takeLines().size();
-    }
 
     QueueHost host;
     std::optional<TestApplication<QCoreApplication>> application;
@@ -97,40 +90,6 @@ TEST_F(Queue, ReadsItsSettingsOnceAndNotBeforeTheyAreNeeded)
     ASSERT_TRUE(runUntil([this] { return host.reads("serverPortOpen") == 2; }));
     runOn();
     EXPECT_EQ(reads(), (std::vector<int>{2, 2, 2, 1})) << "a new queue, but the same process";
-}
-
-TEST_F(Queue, OpensAndClosesRemoteAccessInTheLoop)
-{
-    runLoop();
-    EXPECT_FALSE(Debug::clientsAllowed());
-    for (int round = 0; round < 2; ++round) {
-        inWorker([] {
-            Debug::setClientsAllowed(true);
-            Debug::setClientsAllowed(true);
-            return 0;
-        });
-        ASSERT_TRUE(runUntil(&Debug::clientsAllowed));
-        Debug::enableSettings(QStringLiteral("displayModuleName,disableOutput,"));
-        EXPECT_EQ(linesPrintedNow(), 0U);
-        Debug::setClientsAllowed(false);
-        EXPECT_TRUE(Debug::clientsAllowed()) << "a request like all others";
-        ASSERT_TRUE(runUntil([] { return !Debug::clientsAllowed(); }));
-        EXPECT_EQ(linesPrintedNow(), 1U) << "without clients the output is on again";
-    }
-}
-
-TEST_F(Queue, TakesWindowCallsAtAnyTime)
-{
-    for (int round = 0; round < 3; ++round) {
-        Debug::setWindowTitle(QStringLiteral("title"));
-        Debug::showDebugWindow();
-        Debug::queueRedraw();
-        Debug::queueRebuild();
-        runLoop();
-        if (round == 1)
-            application.reset();
-    }
-    EXPECT_EQ(linesPrintedNow(), 1U);
 }
 
 class Throttle : public Queue

@@ -1,5 +1,6 @@
 // Many threads and an event loop at once, without widgets: small, for the race checkers.
 
+#include "support/crew.h"
 #include "support/guiapplication.h"
 #include "support/maphost.h"
 #include "support/programdata.h"
@@ -23,23 +24,16 @@ constexpr int linesPerPrinter = 100;
 /// Runs the printers and an event loop that calls \a other again and again; then nobody prints any more.
 void printBeside(const std::function<void()> &other)
 {
-    std::atomic<int> running{printers};
-    std::vector<std::thread> threads;
-    for (int printer = 0; printer < printers; ++printer) {
-        threads.emplace_back([&running, printer] {
-            for (int number = 0; number < linesPerPrinter; ++number)
-                Debug::println(kernel, 0, QStringLiteral("#%1:%2").arg(printer).arg(number), 0);
-            --running;
-        });
-    }
+    const Crew crew(printers, [](int printer) {
+        for (int number = 0; number < linesPerPrinter; ++number)
+            Debug::println(kernel, 0, QStringLiteral("#%1:%2").arg(printer).arg(number), 0);
+    });
     const auto turn = [&] {
         other();
-        return running == 0;
+        return !crew.isBusy();
     };
     if (!runUntil(turn, std::chrono::seconds(100)))
         giveUp("the printers do not end");
-    for (std::thread &thread : threads)
-        thread.join();
 }
 
 /// How many different lines of the printers there are.
@@ -81,6 +75,8 @@ TEST_F(QueueThreads, PrintWhileTheQueueIsSwitchedAndCleared)
             Debug::setWindowTitle(QString::number(round));
             Debug::clientsAllowed();
             Debug::queueRedraw();
+            Debug::queueRebuild();
+            Debug::showDebugWindow();
             return 0;
         });
         Debug::setClientCount(round % 3);
@@ -116,18 +112,15 @@ TEST_F(QueueThreads, MakeTheQueueThatTheLoopServes)
         Debug::initDebug();
         application.emplace();
         std::atomic<bool> begin{false};
-        const auto print = [&begin] {
+        Crew crew(2, [&begin](int) {
             while (!begin)
                 std::this_thread::yield();
             Debug::println(kernel, 0, QStringLiteral("first line"), 0);
-        };
-        std::thread one(print);
-        std::thread other(print);
+        });
         begin = true;
         EXPECT_TRUE(runUntil([&] { return host.reads("serverPortOpen") > round; })) << "round " << round;
         EXPECT_TRUE(runUntil(&Debug::clientsAllowed));
-        one.join();
-        other.join();
+        crew.join();
         EXPECT_EQ(host.reads("showWindow"), round + 1) << "one queue for both";
     }
 }

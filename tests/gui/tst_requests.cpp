@@ -1,7 +1,7 @@
-// Requests that cannot be served: no application, no loop, a loop or a library that ends while somebody
-// waits, a question from inside a callback. Nobody may wait for ever.
+// Requests that cannot be served: nobody may wait for ever.
 
 #include "boxtest.h"
+#include "support/crew.h"
 
 using namespace Zorvan;
 using namespace Zorvan::test;
@@ -40,7 +40,9 @@ TEST_F(Requests, WithoutAnApplicationAreRefused)
     endApplication();
     EXPECT_EQ(ask(true, ok), -1) << "before the start";
     Debug::removeMessageBox(2);
+    Debug::showDebugWindow();
     Debug::initDebug();
+    Debug::showDebugWindow();
     host.takeLines();
     EXPECT_EQ(ask(false, ok), -1);
     EXPECT_EQ(host.linesWith(noQt), 1);
@@ -117,13 +119,10 @@ TEST_F(Requests, OfManyThreadsAreAllAnsweredWhileLoopsEnd)
     std::atomic<bool> enough{false};
     std::atomic<int> taken{0};
     std::atomic<int> refused{0};
-    std::vector<std::thread> askers;
-    for (int asker = 0; asker < 4; ++asker) {
-        askers.emplace_back([&, modal = asker % 2 == 0] {
-            while (!enough)
-                ++(ask(modal, ok) == 1 ? taken : refused);
-        });
-    }
+    Crew askers(4, [&](int asker) {
+        while (!enough)
+            ++(ask(asker % 2 == 0, ok) == 1 ? taken : refused);
+    });
     for (int round = 0; round < 20; ++round) {
         Debug::eventLoopStarted();
         const int before = taken;
@@ -138,8 +137,7 @@ TEST_F(Requests, OfManyThreadsAreAllAnsweredWhileLoopsEnd)
         waitIdle([&] { return refused > refusedBefore; });
     }
     enough = true;
-    for (std::thread &asker : askers)
-        asker.join();
+    askers.join();
     EXPECT_EQ(taken, handler.shown);
     Debug::installMessageBoxHandler(nullptr);
 }

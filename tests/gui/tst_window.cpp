@@ -4,13 +4,15 @@
 #include "debugwindow/debugwindow.h"
 #include "leakanalyzer/analysisoutput.h"
 #include "public/hookrecorder.h"
+#include "support/crew.h"
 #include "support/remoteclient.h"
 
 #include <QComboBox>
 #include <QPointer>
 #include <QPushButton>
 
-#include <thread>
+#include <cstdio>
+#include <map>
 
 using namespace Zorvan;
 using namespace Zorvan::test;
@@ -40,17 +42,6 @@ QByteArray textOf(const DebugWindow &window)
         return true;
     });
     return text;
-}
-
-/// The numbers behind the last '#' of each line.
-std::vector<int> numbersIn(const QByteArray &text)
-{
-    std::vector<int> numbers;
-    for (const QByteArray &line : text.split('\n')) {
-        if (line.contains('#'))
-            numbers.push_back(line.mid(line.lastIndexOf('#') + 1).toInt());
-    }
-    return numbers;
 }
 
 class Window : public BoxTest
@@ -108,6 +99,14 @@ TEST_F(Window, ShowsWhatWasPrintedBeforeAModalBoxAndIsEmptiedByClearIfThatIsAllo
         box.close();
     });
     ask(true, ok);
+    Debug::exitDebug();
+    Debug::initDebug();
+    print("before the start event");
+    robot->then([](QDialog &box) { box.close(); });
+    EXPECT_EQ(ask(true, ok), -1);
+    EXPECT_TRUE(runUntil([] { return shows("before the start event"); }));
+    qCritical("of Qt");
+    EXPECT_TRUE(runUntil([] { return shows("++++ QCritical: of Qt"); }));
     for (const bool allowed : {false, true}) {
         Debug::enableSettings(allowed ? QStringLiteral("allowProgrammaticClear,") : QString());
         print("text");
@@ -131,13 +130,10 @@ TEST_F(Window, GetsTheLinesOfFourThreadsOnceWhileItIsUsedAndTheLibraryEndsUnderI
     ::testing::internal::CaptureStdout();
     std::atomic<bool> enough{false};
     std::atomic<int> printed{0};
-    std::vector<std::thread> printers;
-    for (int thread = 0; thread < threads; ++thread) {
-        printers.emplace_back([&, thread] {
-            for (int number = 0; !enough; ++number, ++printed)
-                print(QStringLiteral("%1 of #%2").arg(thread).arg(number));
-        });
-    }
+    Crew printers(threads, [&](int thread) {
+        for (int number = 0; !enough; ++number, ++printed)
+            print(QStringLiteral("#%1:%2").arg(thread).arg(number));
+    });
     EXPECT_TRUE(runUntil([&] {
         supplied.resize(600 + printed % 100, 300);
         return textOf(supplied).count('\n') > 1000;
@@ -145,21 +141,19 @@ TEST_F(Window, GetsTheLinesOfFourThreadsOnceWhileItIsUsedAndTheLibraryEndsUnderI
     Debug::exitDebug(); // what comes then, until there are no modules any more, is for the standard output
     waitIdle([&, goal = printed + 100] { return printed > goal; });
     enough = true;
-    for (std::thread &printer : printers)
-        printer.join();
+    printers.join();
     const QByteArray inWindow = textOf(supplied);
     const QByteArray all =
         inWindow + '\n' + QByteArray::fromStdString(testing::internal::GetCapturedStdout());
-    for (int thread = 0; thread < threads; ++thread) {
-        QByteArray own;
-        for (const QByteArray &line : all.split('\n')) {
-            if (line.contains(QByteArray::number(thread) + " of #"))
-                own += line + '\n';
+    std::map<int, int> next;
+    for (const QByteArray &line : all.split('\n')) {
+        int thread = 0;
+        int number = 0;
+        if (std::sscanf(line.mid(line.lastIndexOf('#')).constData(), "#%d:%d", &thread, &number) == 2) {
+            ASSERT_EQ(number, next[thread]++) << "thread " << thread;
         }
-        const std::vector<int> numbers = numbersIn(own);
-        for (std::size_t i = 0; i < numbers.size(); ++i)
-            ASSERT_EQ(numbers[i], static_cast<int>(i)) << "thread " << thread;
     }
+    EXPECT_EQ(next.size(), static_cast<std::size_t>(threads));
     EXPECT_TRUE(supplied.isVisible()) << "the host's to close and to delete";
 }
 
@@ -192,11 +186,14 @@ TEST_F(Window, FollowsHooksAndModesOfTheProcess)
     Debug::installHook("alpha", &recorder, false);
     waitForWindow();
     EXPECT_NE(hooksInWindow().find("alpha "), std::string::npos) << hooksInWindow();
+    int count = 0;
+    const QString *const keys = Debug::getHooks(count);
     inWorker([&] {
         Debug::installHook("beta", &recorder, true);
         return 0;
     });
     EXPECT_TRUE(runUntil([] { return hooksInWindow().find("alpha beta ") != std::string::npos; }));
+    EXPECT_EQ(keys[0].front(), QLatin1Char('D')) << "the window lists its own";
 
     std::atomic<bool> go{false};
     recorder.onCall = [&go](char *, char *) { waitIdle([&go] { return go.load(); }); };
@@ -219,8 +216,12 @@ TEST_F(Window, FollowsHooksAndModesOfTheProcess)
         Debug::createModule("DebugServerClient", "Client");
         return 0;
     });
-    EXPECT_TRUE(runUntil([] { return !Debug::isActive(kernel, 0, 0); }));
-    EXPECT_TRUE(button("Output Off")->isEnabled());
+    EXPECT_EQ(Debug::getEnabledSettings(), QStringLiteral("disableOutput,"));
+    EXPECT_TRUE(runUntil([] { return button("Output Off")->isEnabled(); }));
+    Debug::createModule("DebugServerClient", "Client");
+    Debug::enableClasses(kernel, QStringLiteral("all"));
+    runOn();
+    EXPECT_EQ(Debug::getEnabledSettings(), QString()) << "only what came before is switched off";
 }
 
 TEST_F(Window, EndsWithTheLibraryFromWhereverThatComes)

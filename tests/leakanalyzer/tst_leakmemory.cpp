@@ -9,6 +9,8 @@
 namespace {
 
 std::size_t s_mostBytes = SIZE_MAX; // larger blocks cannot be had
+const void *s_watched = nullptr;
+std::size_t s_pendingAtFree = 0; // releases, when the watched block was freed
 
 } // namespace
 
@@ -19,6 +21,8 @@ char *__real_strdup(const char *text);
 void *__wrap_malloc(std::size_t size);
 void *__wrap_calloc(std::size_t count, std::size_t size);
 char *__wrap_strdup(const char *text);
+void __real_free(void *block);
+void __wrap_free(void *block);
 
 void *__wrap_malloc(std::size_t size)
 {
@@ -33,6 +37,13 @@ void *__wrap_calloc(std::size_t count, std::size_t size)
 char *__wrap_strdup(const char *text)
 {
     return s_mostBytes == 0 ? nullptr : __real_strdup(text);
+}
+
+void __wrap_free(void *block)
+{
+    if (block != nullptr && block == s_watched)
+        s_pendingAtFree = Zorvan::analysis::leakRecords().releases().count();
+    __real_free(block);
 }
 }
 
@@ -100,6 +111,14 @@ TEST_F(LeakTest, shortageLosesNoRelease)
     }
     EXPECT_EQ(leakRecords().releases().count(), 0U);
     EXPECT_EQ(trackedMemoryUsage(), 0);
+}
+
+TEST_F(LeakTest, releaseIsRecordedBeforeAnotherThreadCanGetTheAddress)
+{
+    void *const block = allocate(10);
+    s_watched = block;
+    freeBlock(block);
+    EXPECT_EQ(s_pendingAtFree, 1U);
 }
 
 TEST_F(LeakTest, shortageIsToldInPlaceOfTheLeaks)

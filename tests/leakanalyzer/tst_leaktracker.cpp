@@ -123,24 +123,41 @@ TEST_F(LeakTest, countersAreExact)
     EXPECT_EQ(lastSix(recorder.report()), statistics(90, 1, 150, 2, 2, 1));
 }
 
+constexpr analysis::BlockKey noBlock = 16; // no memory behind it, nor behind the next few
+
+void enter(analysis::BlockKey key, std::size_t size)
+{
+    const analysis::AnalyzerTurn turn;
+    analysis::leakRecords().enter(key, size, "data.cpp", 1);
+}
+
+TEST_F(LeakTest, addressThatIsEnteredAgainKeepsItsSizeUntilAsManyReleases)
+{
+    LeakRecorder recorder;
+    enter(noBlock, 100);
+    enter(noBlock, 50);
+    for (const int bytes : {150, 50}) {
+        EXPECT_EQ(recorder.leaks(), Lines{"data.cpp:1 100 x 1"});
+        EXPECT_EQ(trackedMemoryUsage(), bytes);
+        analysis::leakRecords().release(noBlock);
+    }
+    EXPECT_EQ(recorder.report().front(), noLeaks);
+    EXPECT_EQ(trackedMemoryUsage(), -50);
+}
+
 TEST_F(LeakTest, countersWrapAroundAt32Bits)
 {
     LeakRecorder recorder;
-    constexpr analysis::BlockKey block = 16; // no memory behind it
-    const auto enter = [](analysis::BlockKey key, std::size_t size) {
-        const analysis::AnalyzerTurn turn;
-        analysis::leakRecords().enter(key, size, "data.cpp", 1);
-    };
     for (analysis::BlockKey i = 0; i < 5; ++i)
-        enter(block + i, 1'000'000'000);
+        enter(noBlock + i, 1'000'000'000);
     EXPECT_EQ(trackedMemoryUsage(), 705'032'704);
     EXPECT_EQ(lastSix(recorder.report()), statistics(273'153'616, 4, 2'000'000'000, 5, 2, 0));
     for (analysis::BlockKey i = 0; i < 5; ++i)
-        analysis::leakRecords().release(block + i);
+        analysis::leakRecords().release(noBlock + i);
     EXPECT_EQ(recorder.report().front(), noLeaks);
     EXPECT_EQ(trackedMemoryUsage(), 0);
     analysis::clearLeaks();
-    enter(block, UINT32_MAX); // -1: half of that rounds towards zero
+    enter(noBlock, UINT32_MAX); // -1: half of that rounds towards zero
     EXPECT_EQ(lastSix(recorder.report()), statistics(0, 0, 0, 1, 1, 0));
 }
 

@@ -42,6 +42,7 @@ TEST_F(TimesReport, rowsComeByFallingAverageWithTheirTexts)
                  "cycles\n",
                  row.calls, row.method.c_str(), row.total / row.calls, row.overhead / row.calls);
         EXPECT_EQ(recorder.texts[static_cast<std::size_t>(number)].text, text);
+        EXPECT_GT(row.overhead, 0);
         total += row.total;
     }
     EXPECT_EQ(recorder.texts[0].source, "src/slow.cpp");

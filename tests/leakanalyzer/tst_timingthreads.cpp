@@ -138,6 +138,13 @@ TEST_F(TimingThreads, methodsAreMeasuredUntilTheVeryEndOfAThread)
     EXPECT_EQ(recorder.row("outer").calls, 2);
 }
 
+void expectSuccess(pid_t child)
+{
+    int status = 0;
+    EXPECT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
+}
+
 TEST_F(TimingThreads, childOfAForkMeasuresWhateverOtherThreadsWereDoing)
 {
     std::atomic<bool> stop = false;
@@ -160,9 +167,7 @@ TEST_F(TimingThreads, childOfAForkMeasuresWhateverOtherThreadsWereDoing)
             recorder.dump();
             _exit(recorder.row("outer").calls == 1 ? 0 : 1);
         }
-        int status = 0;
-        EXPECT_EQ(waitpid(child, &status, 0), child);
-        EXPECT_EQ(status, 0);
+        expectSuccess(child);
     }
     stop = true;
     busy.join();
@@ -179,9 +184,7 @@ TEST_F(TimingThreads, openMethodEndsInTheChildOfAForkUnderItsNumber)
         recorder.dump();
         _exit(isKnown && recorder.row("forking").thread == platform::kernelThreadId() ? 0 : 1);
     }
-    int status = 0;
-    EXPECT_EQ(waitpid(child, &status, 0), child);
-    EXPECT_EQ(status, 0);
+    expectSuccess(child);
 }
 
 TEST_F(TimingThreads, allocationsOfTheAnalyzerAreNotMeasured)
@@ -233,6 +236,53 @@ TEST_F(TimingThreads, handlersMayTakeThemselvesAwayInTwoThreadsAtOnce)
     other.join();
     EXPECT_EQ(handler.texts, 2);
     EXPECT_FALSE(analysis::hasOutputHandler());
+}
+
+/// Takes a handler away while another thread is inside it.
+void removeFromOtherThread(const std::function<void()> &whileItWaits)
+{
+    std::atomic<bool> isInside{false};
+    std::atomic<bool> mayLeave{false};
+    std::atomic<bool> isRemoved{false};
+    ActiveHandler handler([&] {
+        isInside = true;
+        while (!mayLeave)
+            std::this_thread::yield();
+    });
+    analysis::setOutputHandler(&handler);
+    std::thread told([] { analysis::endMethod(1); });
+    while (!isInside)
+        std::this_thread::yield();
+    std::thread remover([&] {
+        analysis::removeOutputHandler(&handler);
+        isRemoved = true;
+    });
+    std::this_thread::sleep_for(std::chrono::milliseconds(50)); // time for a removal that does not wait
+    whileItWaits();
+    EXPECT_FALSE(isRemoved);
+    mayLeave = true;
+    told.join();
+    remover.join();
+}
+
+#if defined(ZORVAN_TSAN)
+constexpr int roundsInChild = 0; // the sanitizer ends children that start threads
+#else
+constexpr int roundsInChild = 3;
+#endif
+
+TEST_F(TimingThreads, removalWaitsForTheDeliveryInProgressInAChildAsWell)
+{
+    removeFromOtherThread([] {
+        const pid_t child = fork();
+        if (child == 0) {
+            alarm(60); // ends a child that hangs
+            for (int round = 0; round < roundsInChild; ++round)
+                removeFromOtherThread([] {});
+            _exit(HasFailure() ? 1 : 0);
+        }
+        expectSuccess(child);
+    });
 }
 
 TEST_F(TimingThreads, faultsOfAHandlerThatIsToldOfOneAreNotTold)

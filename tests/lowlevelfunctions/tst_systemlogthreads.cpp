@@ -1,14 +1,12 @@
 #include "lowlevelfunctions/loglines.h"
 #include "support/childprocess.h"
+#include "support/crew.h"
 
 #include <zorvan/debug.h>
 
-#include <atomic>
-#include <csignal>
 #include <functional>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
-#include <thread>
 #include <unistd.h>
 
 namespace Zorvan::test {
@@ -25,16 +23,11 @@ void logLine(const std::string &tag, const std::string &writer, int number)
 void inThreads(int count, const std::function<void(int)> &work)
 {
     std::atomic<int> missing = count;
-    std::vector<std::thread> threads;
-    for (int number = 0; number < count; ++number) {
-        threads.emplace_back([&, number] {
-            for (--missing; missing > 0;)
-                std::this_thread::yield();
-            work(number);
-        });
-    }
-    for (std::thread &thread : threads)
-        thread.join();
+    Crew(count, [&](int number) {
+        for (--missing; missing > 0;)
+            std::this_thread::yield();
+        work(number);
+    }).join();
 }
 
 /// Writers "0", "1", ... with \a lines each.
@@ -87,29 +80,6 @@ TEST(SystemLogProcesses, twoProcessesShareOneLog)
 {
     ASSERT_EQ(runChild("sh -c '\"$0\" log Both 0 400 & \"$0\" log Both 1 400; wait' " HELPER).exitCode, 0);
     EXPECT_EQ(countsIn(messagesIn("Both-0.log")), everything(2, 400));
-}
-
-TEST(SystemLogProcesses, killedProcessLosesNothing)
-{
-    int acknowledged[2];
-    ASSERT_EQ(pipe(acknowledged), 0);
-    const pid_t child = fork();
-    for (int number = 0; child == 0; ++number) {
-        logLine("Killed", "0", number);
-        if (write(acknowledged[1], "+", 1) != 1)
-            _exit(1);
-    }
-    close(acknowledged[1]);
-    char sign = 0;
-    int count = 0;
-    for (; read(acknowledged[0], &sign, 1) == 1; ++count)
-        if (count == 300)
-            kill(child, SIGKILL);
-    close(acknowledged[0]);
-    EXPECT_EQ(waitpid(child, nullptr, 0), child);
-    const Counts written = countsIn(messagesIn("Killed-0.log"));
-    EXPECT_EQ(written, everything(1, written.at("0")));
-    EXPECT_GE(written.at("0"), count);
 }
 
 TEST(SystemLogProcesses, childAndParentLogOnAfterAForkAmidLogging)

@@ -10,6 +10,7 @@ using SocketLength = int;
 #else
 #include <arpa/inet.h>
 #include <netinet/in.h>
+#include <netinet/tcp.h>
 #include <sys/socket.h>
 #include <unistd.h>
 using NativeSocket = int;
@@ -56,6 +57,9 @@ void Peer::accept()
 {
     close();
     m_connection = static_cast<std::intptr_t>(::accept(native(m_listener), nullptr, nullptr));
+    const int atOnce = 1; // what is written goes out, whatever went before
+    setsockopt(native(m_connection), IPPROTO_TCP, TCP_NODELAY, reinterpret_cast<const char *>(&atOnce),
+               sizeof(atOnce));
 }
 
 std::string Peer::read(std::size_t count)

@@ -77,14 +77,5 @@ TEST(Process, currentFolderIsNeverSearched)
     std::filesystem::current_path(here);
 }
 
-TEST(ProcessDeathTest, endRunsNoExitHandlers)
-{
-    const auto end = [] {
-        std::atexit([] { std::_Exit(7); });
-        endThisProcess();
-    };
-    EXPECT_EXIT(end(), testing::ExitedWithCode(0), "");
-}
-
 } // namespace
 } // namespace Zorvan::platform::tests

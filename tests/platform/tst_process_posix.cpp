@@ -58,13 +58,6 @@ TEST(PosixProcess, startingNeitherLeavesNorStealsChildren)
     std::signal(SIGCHLD, handler);
 }
 
-TEST(PosixProcess, fileThatIsNoProgramIsNotStarted)
-{
-    const TemporaryFolder folder;
-    ASSERT_TRUE(replaceFile((folder / "plain").c_str(), "not executable"));
-    EXPECT_FALSE(startDetached(folder / "plain", {}));
-}
-
 TEST(PosixProcess, endedButUncollectedProcessDoesNotCount)
 {
     const std::string name = "z) " + ownName();

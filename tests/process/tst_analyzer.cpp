@@ -1,5 +1,4 @@
-// The analysis tools as a process finds them at its start: what the properties in its program-data folder
-// say.
+// The analysis tools as the properties say at the start of a process.
 
 #include "support/childprocess.h"
 #include "support/programdata.h"
@@ -103,7 +102,7 @@ TEST_F(Analyzer, ServesAHostThatSendsItsOperatorNewThroughIt)
     setProperties("1", "1", "1", "1");
     EXPECT_EQ(run("forks", "", ROUTED_HOST), "failures 0\n");
     EXPECT_EQ(run("nomemory", "", ROUTED_HOST),
-              "1 texts, ++++++++++++++++++++++++ unknown endMethod ID given, no measurement "
+              "failures 0, 1 texts, ++++++++++++++++++++++++ unknown endMethod ID given, no measurement "
               "++++++++++++++++++++++++\n");
 }
 

@@ -1,17 +1,13 @@
 // Assertions, asked by a daemon in a process of its own or by a helper that stands in for the native box.
 
-#include "lowlevelfunctions/loglines.h"
-#include "platform/support.h"
+#include "process/daemontest.h"
 
 #include <zorvan/debug.h>
 
 #include <QString>
 
-#include <csignal>
-#include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <thread>
-#include <unistd.h>
 
 using namespace Zorvan;
 using namespace Zorvan::platform::tests;
@@ -31,7 +27,7 @@ void fail(const char *condition, const char *message = "", const char *file = nu
     gyxAssert(QString::fromUtf8(condition), QString::fromUtf8(message), file, line);
 }
 
-class Assertions : public testing::Test
+class Assertions : public test::DaemonTest
 {
 protected:
     Assertions()
@@ -41,38 +37,22 @@ protected:
         makeScript(m_folder / "zorvan-messagebox",
                    "printf '%s|' \"$1\" \"$2\" >> \"${0%/*}/seen\"; cat \"${0%/*}/word\"");
     }
-    ~Assertions() override
-    {
-        if (const std::string pid = test::readFile(m_folder / "pid"); !pid.empty())
-            kill(std::stoi(pid), SIGKILL);
-    }
 
     /// From now on questions go to a daemon that answers with these words.
-    void installDaemon(const std::string &answers)
+    void installDaemonThatSays(const std::string &answers)
     {
-        std::filesystem::create_symlink(DAEMON, m_folder / "DebugDaemon");
+        installDaemon("DebugDaemon");
         m_answers.set(answers);
     }
     void setBoxAnswer(const std::string &word) { test::writeFile(m_folder / "word", word); }
     [[nodiscard]] std::string shownInBox() const { return test::readFile(m_folder / "seen"); }
-    /// What the daemon was asked so far. It has all of a request before it answers.
-    [[nodiscard]] std::string asked(int connection = 1) const
-    {
-        return test::readFile(m_folder / ("received-" + std::to_string(connection)));
-    }
     static std::string request(const std::string &text)
     {
         return "<assert>Debug Assertion Failed!" + text + question
             + "\n(Press Yes to All to skip this message in the future)"
               "\n(Press Save to continue with this message in clipboard)</assert>";
     }
-    static Lines log() { return test::messagesIn("GYX-syslog-0.log"); }
 
-    const TemporaryFolder m_folder;
-    const Variable m_temp{"TEMP", m_folder.path()};
-    const Variable m_path{"PATH", m_folder.path() + ':' + std::getenv("PATH")};
-    const Variable m_content{"DAEMON_LOCKFILE", "%\n5001\n"};
-    Variable m_answers{"DAEMON_ANSWERS", std::nullopt};
     const Variable m_helpers{"ZORVAN_HELPERS", m_folder.path()};
     Variable m_display{"DISPLAY", ":7"};
     const Variable m_wayland{"WAYLAND_DISPLAY", std::nullopt};
@@ -139,22 +119,22 @@ TEST_F(Assertions, AbortInTheBoxEndsTheProcessAtOnceWithSuccess)
 
 TEST_F(Assertions, AbortFromTheDaemonEndsTheProcessAtOnceWithSuccess)
 {
-    installDaemon("262144");
+    installDaemonThatSays("262144");
     EXPECT_EXIT(failWithExitHandler(), testing::ExitedWithCode(0), "^$");
     EXPECT_EQ(log().back(), goingOn);
 }
 
 TEST_F(Assertions, TheDaemonGetsTheTextAsItIs)
 {
-    installDaemon("524288 1048576 2048 1 7");
+    installDaemonThatSays("524288 1048576 2048 1 7");
     fail("</assert> & \xc3\xa4\xe2\x82\xac", "why", "a.cpp", 5);
     const std::string first = request("\n\nFile: a.cpp\nLine: 5\n\nExpression: </assert> & \xe4?\nwhy\n");
-    EXPECT_EQ(asked(), first);
+    EXPECT_EQ(received(), first);
     fail("y");
     fail("y");
     fail("y");
     const std::string further = request("\n\nExpression: y\n\n");
-    EXPECT_EQ(asked(), first + further + further + further) << "only \"Yes to All\" skips";
+    EXPECT_EQ(received(), first + further + further + further) << "only \"Yes to All\" skips";
     const Lines lines = log();
     ASSERT_EQ(lines.size(), 16U);
     EXPECT_EQ(lines[1], "++++ testing server installation...") << "by the first question";
@@ -167,27 +147,27 @@ TEST_F(Assertions, TheDaemonGetsTheTextAsItIs)
 
 TEST_F(Assertions, YesToAllSkipsTheSameConditionAtTheSamePlace)
 {
-    installDaemon("32768 524288 32768 524288");
+    installDaemonThatSays("32768 524288 32768 524288");
     fail("x", "why", "a.cpp", 5);
-    const std::size_t once = asked().size();
+    const std::size_t once = received().size();
     fail("x", "another message", "a.cpp", 5);
-    EXPECT_EQ(asked().size(), once);
+    EXPECT_EQ(received().size(), once);
     EXPECT_EQ(log().back(), "a.cpp(5): ++++ Debug Assertion Failed: x;another message") << "still logged";
     fail("x", "why", "a.cpp", 6);
-    EXPECT_EQ(asked().size(), 2 * once);
+    EXPECT_EQ(received().size(), 2 * once);
 
     fail("x", "", nullptr, 1);
-    const std::size_t withoutFile = asked().size();
+    const std::size_t withoutFile = received().size();
     fail("x", "", nullptr, 2);
-    EXPECT_EQ(asked().size(), withoutFile) << "one entry for all lines";
+    EXPECT_EQ(received().size(), withoutFile) << "one entry for all lines";
     fail("y", "", nullptr, 1);
-    EXPECT_GT(asked().size(), withoutFile);
+    EXPECT_GT(received().size(), withoutFile);
 
     const pid_t child = fork();
     if (child == 0) {
         fail("x", "", "a.cpp", 5); // skipped there, too
         fail("z"); // asked by a connection of its own
-        _exit(asked(2) == request("\n\nExpression: z\n\n") ? 0 : 1);
+        _exit(received(2) == request("\n\nExpression: z\n\n") ? 0 : 1);
     }
     int status = -1;
     EXPECT_EQ(waitpid(child, &status, 0), child);
@@ -196,7 +176,7 @@ TEST_F(Assertions, YesToAllSkipsTheSameConditionAtTheSamePlace)
 
 TEST_F(Assertions, ALostDaemonLetsTheProcessGoOn)
 {
-    installDaemon("hangup");
+    installDaemonThatSays("hangup");
     fail("x");
     fail("x");
     EXPECT_EQ(log().back(), goingOn);
@@ -208,7 +188,7 @@ TEST_F(Assertions, ALostDaemonLetsTheProcessGoOn)
 
 TEST_F(Assertions, ThreadsAreAskedOneAfterAnother)
 {
-    installDaemon("late:524288");
+    installDaemonThatSays("late:524288");
     const auto failThrice = [] {
         for (int i = 0; i < 3; ++i)
             fail("x", "why", "a.cpp", 5);
@@ -219,7 +199,7 @@ TEST_F(Assertions, ThreadsAreAskedOneAfterAnother)
     std::string expected;
     for (int i = 0; i < 6; ++i)
         expected += request("\n\nFile: a.cpp\nLine: 5\n\nExpression: x\nwhy\n");
-    EXPECT_EQ(asked(), expected);
+    EXPECT_EQ(received(), expected);
     Lines exchanges;
     for (const std::string &line : log()) {
         if (line == sending || line == goingOn)

@@ -4,9 +4,9 @@
 #include "platform/files.h"
 #include "platform/peer.h"
 #include "platform/support.h"
+#include "support/crew.h"
 
 #include <array>
-#include <atomic>
 #include <cstring>
 #include <gtest/gtest.h>
 #include <sys/prctl.h>
@@ -41,35 +41,28 @@ protected:
 TEST_F(DaemonLinkThreads, EachRequestGetsItsOwnAnswer)
 {
     constexpr int rounds = 5;
-    std::array<std::thread, 4> threads;
-    for (std::size_t thread = 0; thread < threads.size(); ++thread) {
-        threads[thread] = std::thread([this, type = static_cast<int>(thread) + 1] {
-            for (int round = 0; round < rounds; ++round)
-                EXPECT_EQ(showBox(type), '0' + type);
-        });
-    }
+    constexpr int askers = 4;
+    const test::Crew crew(askers, [this](int asker) {
+        for (int round = 0; round < rounds; ++round)
+            EXPECT_EQ(showBox(asker + 1), '1' + asker);
+    });
     m_daemon.accept();
-    for (std::size_t i = 0; i < threads.size() * rounds; ++i) {
+    for (int i = 0; i < askers * rounds; ++i) {
         const std::int32_t answer = m_daemon.read(request.size())[std::strlen("<msgbox>")];
         m_daemon.write({reinterpret_cast<const char *>(&answer), sizeof answer});
     }
-    for (std::thread &thread : threads)
-        thread.join();
 }
 
 TEST_F(DaemonLinkThreads, ExitMeetsWaitingAndNewRequests)
 {
-    std::array<std::thread, 3> threads;
     std::array<std::atomic<int>, 2> results{};
-    for (std::thread &thread : threads)
-        thread = std::thread([&] { ++results.at(static_cast<std::size_t>(showBox(1))); });
+    test::Crew crew(3, [&](int) { ++results.at(static_cast<std::size_t>(showBox(1))); });
     m_daemon.accept();
     EXPECT_EQ(m_daemon.read(request.size()), request);
     std::thread otherExit([this] { m_link.finish(); });
     m_link.finish();
     otherExit.join();
-    for (std::thread &thread : threads)
-        thread.join();
+    crew.join();
     EXPECT_EQ(results[DaemonLink::noAnswer], 1) << "woken";
     EXPECT_EQ(results[DaemonLink::sendingFailed], 2) << "came too late";
     EXPECT_EQ(m_daemon.read(7), "<exit/>");

@@ -1,5 +1,4 @@
-// Whole hosts: what a killed one leaves behind, two that share a file, forks, static objects, loading at run
-// time.
+// Whole hosts: killed, sharing a file, forking, with static objects, loading the library at run time.
 
 #include "support/childprocess.h"
 #include "support/programdata.h"

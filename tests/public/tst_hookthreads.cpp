@@ -1,15 +1,14 @@
 // Hooks of many threads at once, with and without an event loop.
 
+#include "support/crew.h"
+
 #include <zorvan/debug.h>
 
 #include <QCoreApplication>
 
 #include <array>
-#include <atomic>
 #include <gtest/gtest.h>
 #include <string>
-#include <thread>
-#include <vector>
 
 using Zorvan::Debug;
 
@@ -62,18 +61,12 @@ void activateBeside(Other other)
     Debug::installHook("permanent", &permanent, false);
     Debug::installCppHookHandler("permanent", &permanent,
                                  static_cast<void (QObject::*)(char *, char *)>(&Counter::member));
-    std::atomic<int> running{activators};
-    std::vector<std::thread> threads;
-    for (Counter &counter : counters) {
-        threads.emplace_back([&counter, &running, key = "own" + std::to_string(threads.size())] {
-            useHooks(key, counter);
-            --running;
-        });
-    }
-    while (running > 0)
+    Zorvan::test::Crew crew(activators, [&counters](int activator) {
+        useHooks("own" + std::to_string(activator), counters.at(static_cast<std::size_t>(activator)));
+    });
+    while (crew.isBusy())
         other();
-    for (std::thread &thread : threads)
-        thread.join();
+    crew.join();
     Debug::exitDebug();
     EXPECT_EQ(permanent.calls, 2 * activators * rounds);
     for (const Counter &counter : counters)
@@ -100,21 +93,17 @@ TEST(HookThreads, ActivateTheLibrarysKeysWhileItEndsAndStarts)
     int argc = 0;
     const QCoreApplication application(argc, nullptr);
     std::atomic<bool> enough{false};
-    std::vector<std::thread> threads;
-    for (const char *const key : {"DebugServerFilterChangedHook", "DebugServer_allowRemote"}) {
-        threads.emplace_back([key, &enough] {
-            while (!enough)
-                Debug::activateHooks(key, "1");
-        });
-    }
+    Zorvan::test::Crew crew(2, [&enough](int thread) {
+        while (!enough)
+            Debug::activateHooks(thread ? "DebugServerFilterChangedHook" : "DebugServer_allowRemote", "1");
+    });
     for (int round = 0; round < 3 * rounds; ++round) {
         Debug::initDebug();
         QCoreApplication::processEvents();
         Debug::exitDebug();
     }
     enough = true;
-    for (std::thread &thread : threads)
-        thread.join();
+    crew.join();
     Debug::initDebug();
     Debug::exitDebug(); // joins the last ones
 }

@@ -130,17 +130,4 @@ TEST_F(LifeCycle, TheLibraryEndsWithTheApplication)
     EXPECT_TRUE(isUp()) << "an ended library is left alone: the count starts at zero";
 }
 
-TEST_F(LifeCycle, AReceiverForAllModulesOutlivesTheApplication)
-{
-    startApplication();
-    start();
-    Debug::setOutputReceiver(-1, &receive);
-    endApplication();
-    EXPECT_TRUE(isUp());
-    Debug::setOutputReceiver(-1, nullptr);
-    EXPECT_NE(printed("text"), "");
-    stop();
-    EXPECT_FALSE(isUp());
-}
-
 } // namespace

@@ -1,5 +1,4 @@
-// What a line looks like, to the byte: header pieces, splitting of messages, and the filters on finished
-// lines.
+// What a line looks like, to the byte: header pieces, splitting of messages; and the filters on it.
 
 #include "support/maphost.h"
 

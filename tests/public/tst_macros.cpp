@@ -1,6 +1,7 @@
 // The macros: what they evaluate, how often they print, where they can stand.
 
 #include "printonce.h"
+#include "support/crew.h"
 #include "support/maphost.h"
 #include "support/programdata.h"
 
@@ -9,7 +10,6 @@
 #include <climits>
 #include <gtest/gtest.h>
 #include <map>
-#include <thread>
 
 using namespace Zorvan;
 using namespace Zorvan::test;
@@ -128,17 +128,12 @@ TEST_F(Macros, LimitOnlyMessagesThatAreActive)
 
 TEST_F(Macros, LimitThePlaceNotTheThread)
 {
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 4; ++i) {
-        threads.emplace_back([] {
-            for (int round = 0; round < 50; ++round) {
-                ZORVAN_PRINT_ONCE(kernel, 0, warning, "once");
-                ZORVAN_PRINT_EVERY(10, kernel, 0, warning, "every");
-            }
-        });
-    }
-    for (std::thread &thread : threads)
-        thread.join();
+    Crew(4, [](int) {
+        for (int round = 0; round < 50; ++round) {
+            ZORVAN_PRINT_ONCE(kernel, 0, warning, "once");
+            ZORVAN_PRINT_EVERY(10, kernel, 0, warning, "every");
+        }
+    }).join();
     std::map<std::string, int> counts;
     for (const std::string &line : host.takeLines())
         ++counts[line.substr(line.find(">: ") + 3)];

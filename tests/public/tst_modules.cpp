@@ -126,6 +126,22 @@ TEST_F(Modules, AskingPutsAModuleIntoUseAndWidensThePrefixes)
     EXPECT_EQ(prefixes(), expected) << "while all is silent nobody comes into use";
 }
 
+TEST_F(Modules, ThatAreThereFromTheStartKeepTheirIds)
+{
+    std::string names;
+    for (moduleId id = 0; id < 27; ++id) {
+        use(id);
+        names += name(id) + ' ';
+    }
+    const std::string unnamed = "Please call setModuleDescription() ";
+    EXPECT_EQ(
+        names,
+        "#DebugServer# KLV-Startup KLV-Kernel KLV-Gui KLV-Database KLV-OrgLayer KLV-Unicod1 KLV-Unicod2 "
+        "KLV-Unicod3 KLV-Unicod4 KLV-DACIF KLV-Utilities KLV-PlugIn KLV-Scpi KLV-ListAdmin KLV-Sweep "
+        "KLV-BBIN KLV-Fader KLV-B12 "
+            + unnamed + unnamed + unnamed + "Tarnel-BaseBoard Ostrik-AMB WAVEMILL2 " + unnamed + unnamed);
+}
+
 TEST_F(Modules, ARemoteClientStartsFromAnEmptyTable)
 {
     createModules(27, 60);

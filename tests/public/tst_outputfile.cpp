@@ -1,5 +1,4 @@
-// The output file: when it is begun anew, what it holds to the byte, and what happens when it cannot be
-// written.
+// The output file: when it is begun anew, what it holds to the byte, and when it cannot be written.
 
 #include "support/maphost.h"
 #include "support/programdata.h"

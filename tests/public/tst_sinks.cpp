@@ -1,5 +1,4 @@
-// Where lines go besides the file: receivers, line tap, standard output, and the system log while there is no
-// table.
+// Where lines go besides the file: receivers, line tap, standard output; without a table the system log.
 
 #include "support/maphost.h"
 #include "support/programdata.h"
@@ -92,22 +91,6 @@ TEST_F(Sinks, AReceiverReplacesTapAndStandardOutputButNotTheFile)
     EXPECT_EQ(output, "<debug message>, <+ CRITICAL +>: not received\n");
     EXPECT_EQ(host.takeLines().size(), 1U);
     EXPECT_EQ(linesOf(readFile(libraryFile("GYX_Debug_Output.log"))).size(), 2U);
-}
-
-TEST_F(Sinks, FilteredLinesReachNoSink)
-{
-    Debug::setDisplayFlags(-1);
-    Debug::setOutputReceiver(kernel, receive);
-    Debug::setOutputFilter(QStringLiteral("wanted"));
-    EXPECT_EQ(standardOutputOf([] {
-                  print("other");
-                  print("other", gui);
-              }),
-              "");
-    EXPECT_EQ(s_received, Lines{});
-    EXPECT_EQ(host.takeLines(), Lines{});
-    print("wanted");
-    EXPECT_EQ(linesOf(readFile(libraryFile("GYX_Debug_Output.log"))).size(), 1U);
 }
 
 TEST_F(Sinks, OnlyTheReceiversTextIsCut)

@@ -1,17 +1,15 @@
-// Many threads at once: every line arrives whole, once, in its thread's order, whatever the others do
-// meanwhile.
+// Many threads at once: every line arrives whole, once, in its thread's order, whatever the others do.
 
+#include "support/crew.h"
 #include "support/maphost.h"
 #include "support/programdata.h"
 
 #include <zorvan/debug.h>
 
 #include <algorithm>
-#include <atomic>
 #include <chrono>
 #include <gtest/gtest.h>
 #include <map>
-#include <thread>
 
 using Zorvan::Debug;
 using namespace Zorvan::test;
@@ -39,18 +37,11 @@ void printNumbered(int printer, int module, int level)
 template <typename Other>
 void printBeside(Other other, int level = 0)
 {
-    std::atomic<int> running{printers};
-    std::vector<std::thread> threads;
-    for (int printer = 0; printer < printers; ++printer) {
-        threads.emplace_back([&running, printer, level] {
-            printNumbered(printer, printer + 1, level); // module 0 has a '#' in its name
-            --running;
-        });
-    }
-    while (running > 0)
+    const Crew crew(printers, [level](int printer) {
+        printNumbered(printer, printer + 1, level); // module 0 has a '#' in its name
+    });
+    while (crew.isBusy())
         other();
-    for (std::thread &thread : threads)
-        thread.join();
 }
 
 /// The numbers of each printer in the order of their lines; fails on a damaged line or a torn message.
@@ -183,6 +174,7 @@ TEST_F(Threads, MessagesDuringAStartWaitUntilTheirModuleIsKnown)
     host.takeLines();
     std::thread printer;
     host.store("KernelDebugLevel", "full");
+    host.store("DebugServerFileOutput", "On");
     host.onRead = [&](const QString &key) {
         if (key != QLatin1String("DebugServerDebugClasses"))
             return;
@@ -195,26 +187,38 @@ TEST_F(Threads, MessagesDuringAStartWaitUntilTheirModuleIsKnown)
     Debug::exitDebug();
 }
 
+TEST_F(Threads, AResetIsNoEndForThosePrinting)
+{
+    constexpr int lines = 2'000;
+    Debug::initDebug();
+    Crew printer(1, [](int) {
+        for (int i = 0; i < lines; ++i)
+            Debug::println(kernel, 0, QStringLiteral("line %1").arg(i), 0);
+    });
+    while (printer.isBusy())
+        Debug::createModule("DebugServerClient", "Client");
+    printer.join();
+    EXPECT_EQ(host.takeLines().size(), static_cast<std::size_t>(lines)) << "the rest is in the system log";
+    Debug::exitDebug();
+}
+
 TEST_F(Threads, QuestionsAreAnsweredWhileTheTableComesAndGoes)
 {
     std::atomic<bool> done{false};
-    std::vector<std::thread> askers;
-    for (int asker = 0; asker < 3; ++asker) {
-        askers.emplace_back([&done] {
-            while (!done) {
-                for (int module = -1; module < 60; ++module) {
-                    Debug::isActive(module, 1, module);
-                    Debug::getActiveLevel(module, 0);
-                    Debug::getClippingLevel(module);
-                    Debug::getEnabledMessageLevel(module);
-                }
-                int count = 0;
-                int *ids = nullptr;
-                const char **const names = Debug::getModuleNames(&count, &ids);
-                Debug::releaseModuleNames(names, count, ids);
+    Crew askers(3, [&done](int) {
+        while (!done) {
+            for (int module = -1; module < 60; ++module) {
+                Debug::isActive(module, 1, module);
+                Debug::getActiveLevel(module, 0);
+                Debug::getClippingLevel(module);
+                Debug::getEnabledMessageLevel(module);
             }
-        });
-    }
+            int count = 0;
+            int *ids = nullptr;
+            const char **const names = Debug::getModuleNames(&count, &ids);
+            Debug::releaseModuleNames(names, count, ids);
+        }
+    });
     for (int round = 0; round < 20; ++round) {
         Debug::createModule("DebugServerClient", "Client");
         for (int module = 0; module < 30; ++module)
@@ -223,8 +227,7 @@ TEST_F(Threads, QuestionsAreAnsweredWhileTheTableComesAndGoes)
         Debug::initDebug();
     }
     done = true;
-    for (std::thread &asker : askers)
-        asker.join();
+    askers.join();
     Debug::exitDebug();
     EXPECT_TRUE(Debug::isActive(kernel, 99, 99)) << "as before the first start";
 }

@@ -215,6 +215,7 @@ TEST_F(Protocol, ChangesOnlyTheConfigurationItNames)
 {
     execute("<config levelsfilter='KLV|x' outputfilter='y+'/>\n");
     execute("<config enabledsettings='displayTimeStamp;displayModuleName'/>\n");
+    execute("<config outputfilter='.*.*.*.*.*'/>\n"); // costs too much
     EXPECT_EQ(filters(), (Calls{"KLV|x", "y+"}));
     EXPECT_EQ(Debug::getEnabledSettings(), QStringLiteral("displayTimeStamp,displayModuleName,"));
     execute("<config settings='' levelsFilter='' outputfilter=''/>\n");
@@ -242,16 +243,6 @@ TEST_F(Protocol, AppliesAttributesInItsOwnOrder)
     ASSERT_FALSE(lines.empty());
     EXPECT_NE(lines.front().find("new message class mask"), std::string::npos) << "a notice of level info";
     EXPECT_NE(lines.back().find("displaying message level"), std::string::npos) << "the filters stop all";
-}
-
-TEST_F(Protocol, EndsRemoteAccessAfterTheEcho)
-{
-    const QByteArray unit = "<hook key='DebugServer_allowRemote' parameters='0'/>\n";
-    client->send(unit);
-    EXPECT_EQ(client->takeUntil("</clientMessage>\r\n"), echoOf(unit));
-    EXPECT_TRUE(client->waitForDisconnect());
-    EXPECT_FALSE(Debug::clientsAllowed());
-    EXPECT_FALSE(RemoteClient(port).isConnected());
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 // Threads print while remote clients come, command and go: small, for the race checkers.
 
 #include "public/hookrecorder.h"
+#include "support/crew.h"
 #include "support/guiapplication.h"
 #include "support/remoteclient.h"
 
@@ -20,20 +21,16 @@ Numbers printBeside(int turns, const std::function<void(int)> &turn)
 {
     std::atomic<bool> enough{false};
     Numbers printed{{0, 0}, {1, 0}, {2, 0}, {3, 0}};
-    std::vector<std::thread> threads;
-    for (auto &[printer, count] : printed) {
-        threads.emplace_back([&enough, printer = printer, &count = count] {
-            for (; !enough; ++count) {
-                Debug::println(2, 0, QStringLiteral("#%1:%2").arg(printer).arg(count), 0);
-                std::this_thread::sleep_for(std::chrono::milliseconds(1)); // many turns, not many lines
-            }
-        });
-    }
+    Crew crew(4, [&](int printer) {
+        for (int &count = printed.at(printer); !enough; ++count) {
+            Debug::println(2, 0, QStringLiteral("#%1:%2").arg(printer).arg(count), 0);
+            std::this_thread::sleep_for(std::chrono::milliseconds(1)); // many turns, not many lines
+        }
+    });
     for (int number = 0; number < turns; ++number)
         turn(number);
     enough = true;
-    for (std::thread &thread : threads)
-        thread.join();
+    crew.join();
     return printed;
 }
 

@@ -227,9 +227,13 @@ TEST_F(Settings, EachCheckBoxSwitchesItsFlag)
     };
     for (const auto &[name, flag] : checks) {
         auto &check = part<QCheckBox>(name);
-        for (int round = 0; round < 2; ++round) {
+        for (int round = 0; round < 4; ++round) {
             const int expected = Debug::getDisplayFlags() ^ flag;
-            QTest::mouseClick(&check, Qt::LeftButton, {}, QPoint(8, check.height() / 2));
+            if (round < 2)
+                QTest::mouseClick(&check, Qt::LeftButton, {}, QPoint(8, check.height() / 2));
+            else
+                check.toggle(); // as screen readers do
+            QCoreApplication::processEvents();
             EXPECT_EQ(Debug::getDisplayFlags(), expected) << name;
             EXPECT_EQ(check.isChecked(), (expected & flag) != 0) << name;
             EXPECT_EQ(hooks.takeCalls(), Calls{call(hookKeys[2], bare)}) << name;
@@ -416,13 +420,32 @@ TEST_F(Settings, SavesAndLoadsTheConfiguration)
     robot->click("No");
     dialog->saveButton()->click();
     robot->choose(folder.filePath(QStringLiteral("bench.2.dbgcfg")));
+    std::string shownToHandler;
+    hooks.onCall = [&](char *, char *) { shownToHandler = shownClasses(); };
     dialog->openButton()->click();
-    EXPECT_EQ(shownClasses(), " +Init -Error -(class 2)");
+    hooks.onCall = nullptr;
+    EXPECT_EQ(shownToHandler, " +Init -Error -(class 2)");
     EXPECT_EQ(shownLevels(), "2 of release critical info");
     EXPECT_EQ(hooks.takeCalls(), Calls{call(hookKeys[0], alpha)});
     robot->close();
     dialog->openButton()->click();
     EXPECT_EQ(hooks.takeCalls(), Calls());
+}
+
+TEST_F(Settings, AnnouncesAChangeThatOutlivesTheDialogButNotTheLibrary)
+{
+    for (const bool libraryEnds : {false, true}) {
+        open();
+        select("Alpha");
+        QTest::keyClick(&levels(), levels().currentIndex() == 0 ? Qt::Key_Down : Qt::Key_Home);
+        delete dialog;
+        if (libraryEnds) {
+            Debug::exitDebug(), Debug::exitDebug(), Debug::initDebug();
+            Debug::installHook(hookKeys[1], &hooks, true);
+        }
+        QCoreApplication::processEvents();
+        EXPECT_EQ(hooks.takeCalls(), libraryEnds ? Calls() : Calls{call(hookKeys[1], alpha)});
+    }
 }
 
 TEST_F(Settings, AnnouncesAnAcceptedFilter)

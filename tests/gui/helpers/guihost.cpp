@@ -1,5 +1,6 @@
 // A host whose standard output the tests read. First argument: what it does; second: the kind of application.
 
+#include "support/crew.h"
 #include "support/guiapplication.h"
 #include "support/maphost.h"
 
@@ -10,7 +11,6 @@
 #include <map>
 #include <sys/wait.h>
 #include <unistd.h>
-#include <vector>
 
 using Zorvan::Debug;
 using namespace Zorvan::test;
@@ -44,13 +44,10 @@ void printThroughout(MapHost &)
     Debug::initDebug();
     std::atomic<bool> enough{false};
     std::atomic<int> printed{0};
-    std::vector<std::thread> threads;
-    for (int producer = 0; producer < producers; ++producer) {
-        threads.emplace_back([&, producer] {
-            for (int number = 0; !enough; ++number, ++printed)
-                printNumber(producer, number);
-        });
-    }
+    const Crew crew(producers, [&](int producer) {
+        for (int number = 0; !enough; ++number, ++printed)
+            printNumber(producer, number);
+    });
     const auto await = [&](int more) { waitIdle([&, goal = printed + more] { return printed > goal; }); };
     await(50);
     {
@@ -67,8 +64,6 @@ void printThroughout(MapHost &)
     }
     await(100);
     enough = true;
-    for (std::thread &thread : threads)
-        thread.join();
 }
 
 /// Two threads print in turn at each stage in the life of two applications.
@@ -99,23 +94,6 @@ void printInEveryStage(MapHost &)
                 Debug::exitDebug();
         }
     }
-}
-
-template <typename Application>
-void dropWaitingLines(MapHost &)
-{
-    const TestApplication<Application> application;
-    Debug::initDebug();
-    for (const bool allowed : {false, true}) {
-        Debug::enableSettings(allowed ? QStringLiteral("allowProgrammaticClear,") : QString());
-        print(allowed ? "dropped" : "kept");
-        Debug::clear();
-        print("behind");
-        print("and more");
-        for (int i = 0; i < 3; ++i)
-            QCoreApplication::processEvents();
-    }
-    Debug::exitDebug();
 }
 
 template <typename Application, bool beforeAnyBatch>
@@ -173,7 +151,6 @@ void run(const char *mode, MapHost &host)
     const std::map<std::string, void (*)(MapHost &)> modes{
         {"throughout", printThroughout<Application>},
         {"stages", printInEveryStage<Application>},
-        {"clear", dropWaitingLines<Application>},
         {"nowindow", printWithoutWindowOutput<Application, false>},
         {"fork", forkWithWaitingLines<Application>},
         {"nowindowatend", printWithoutWindowOutput<Application, true>},

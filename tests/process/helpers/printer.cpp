@@ -1,18 +1,17 @@
 // A host that prints as its first argument says. Output lines go to the file and to standard output.
 
+#include "support/crew.h"
+
 #include <zorvan/debug.h>
 
 #include <QByteArray>
 
-#include <atomic>
 #include <cstdio>
 #include <cstring>
 #include <iostream>
 #include <string>
 #include <sys/wait.h>
-#include <thread>
 #include <unistd.h>
-#include <vector>
 
 using Zorvan::Debug;
 
@@ -43,15 +42,12 @@ void printFromForks(int forks)
 {
     print(QStringLiteral("parent")); // begins the run: a child would begin it once more
     std::atomic<bool> done{false};
-    std::vector<std::thread> printers;
-    for (int i = 0; i < 3; ++i) {
-        printers.emplace_back([&done] {
-            while (!done) {
-                print(QStringLiteral("parent"));
-                Zorvan::gyxLog(nullptr, 0, "parent %d\n", 1);
-            }
-        });
-    }
+    const Zorvan::test::Crew printers(3, [&done](int) {
+        while (!done) {
+            print(QStringLiteral("parent"));
+            Zorvan::gyxLog(nullptr, 0, "parent %d\n", 1);
+        }
+    });
     for (int i = 0; i < forks; ++i) {
         const pid_t child = fork();
         if (child == 0) {
@@ -63,8 +59,6 @@ void printFromForks(int forks)
         waitpid(child, &status, 0);
     }
     done = true;
-    for (std::thread &printer : printers)
-        printer.join();
 }
 
 /// Prints while static objects are built and destroyed, before anything else of the library was called.

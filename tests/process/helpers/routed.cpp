@@ -23,6 +23,7 @@ std::atomic<bool> s_isMemoryShort{false};
 
 void *operator new(std::size_t size)
 {
+    static_cast<void>(Zorvan::getLowlevelIntegerProperty(0, 0)); // as hosts do that track only sometimes
     void *const block = s_isMemoryShort ? nullptr : xmalloc(size, "host.cpp", 1);
     if (block == nullptr)
         throw std::bad_alloc();
@@ -102,11 +103,15 @@ void workWithoutMemory()
     }
     dumpLeaks(nullptr);
     dumpTimes(nullptr, nullptr);
+    Zorvan::setLowlevelIntegerProperty(9, -1);
+    Zorvan::setLowlevelIntegerProperty(9, 0);
+    Zorvan::gyxLog("tag", nullptr, 0, "lost\n", nullptr);
     endMethod(12345);
     s_isMemoryShort = false;
+    const int failures = forkAndWork();
     installanalysisMessageHandler(nullptr);
     release(last);
-    std::printf("%d texts, %s", counter.texts > 106 ? 1 : 0, counter.last);
+    std::printf("failures %d, %d texts, %s", failures, counter.texts > 106 ? 1 : 0, counter.last);
 }
 
 } // namespace
