@@ -1,9 +1,13 @@
 #pragma once
 
 #include "hostservices.h"
+#include "syslogsession.h"
 #include "threadnames.h"
 
 #include <zorvan/debug.h>
+
+#include <memory>
+#include <utility>
 
 namespace SignalGenerator {
 
@@ -12,8 +16,11 @@ namespace SignalGenerator {
 class DebugSession
 {
 public:
-    explicit DebugSession(const QString &settingsFile, MessageBoxes boxes = MessageBoxes::Refused)
-        : m_services(settingsFile, boxes)
+    /// \a collector may be null.
+    explicit DebugSession(const QString &settingsFile, MessageBoxes boxes = MessageBoxes::Refused,
+                          std::unique_ptr<SyslogSender> collector = nullptr)
+        : m_collector(std::move(collector))
+        , m_services(settingsFile, boxes, m_collector.get())
     {
         Zorvan::Debug::setUtilityCallbackHandler(&m_services);
         Zorvan::Debug::setThreadCallbackHandler(&m_threadNames);
@@ -24,6 +31,8 @@ public:
         Zorvan::Debug::exitDebug();
         Zorvan::Debug::setThreadCallbackHandler(nullptr);
         Zorvan::Debug::setUtilityCallbackHandler(nullptr);
+        if (m_collector)
+            printReport(m_collector->close());
     }
     DebugSession(const DebugSession &) = delete;
     DebugSession &operator=(const DebugSession &) = delete;
@@ -31,6 +40,7 @@ public:
     [[nodiscard]] const HostServices &services() const { return m_services; }
 
 private:
+    const std::unique_ptr<SyslogSender> m_collector;
     HostServices m_services;
     ThreadNames m_threadNames;
 };

@@ -1,3 +1,4 @@
+#include "burst.h"
 #include "commands.h"
 #include "settingtimes.h"
 
@@ -10,6 +11,7 @@ namespace {
 using Zorvan::Debug;
 
 constexpr int highestModule = 99;
+constexpr int longestBurst = 100'000'000;
 
 QString latin1(const Parameter &parameter)
 {
@@ -39,6 +41,9 @@ void addOutputCommands(ScpiParser &parser)
                       [](const Parameters &p) { Debug::enableSettings(latin1(p[0])); });
     parser.addSetting("DIAGnostic:DEBug:FILTer", oneParameter,
                       [](const Parameters &p) { Debug::setOutputFilter(latin1(p[0])); });
+    parser.addSetting("DIAGnostic:DEBug:BURSt", twoParameters, [](const Parameters &p) {
+        printBurst(integerOf(p[0], 0, longestBurst), integerOf(p[1], 0, longestBurst));
+    });
     parser.addQuery("DIAGnostic:DEBug:LEVel", oneParameter, [](const Parameters &p) {
         return quoted(Debug::getEnabledMessageLevel(moduleOf(p[0])));
     });

@@ -17,8 +17,9 @@ QString path(const char *group, const QString &key)
 
 } // namespace
 
-HostServices::HostServices(const QString &settingsFile, MessageBoxes boxes)
+HostServices::HostServices(const QString &settingsFile, MessageBoxes boxes, SyslogSender *collector)
     : m_messageBoxes(boxes)
+    , m_collector(collector)
     , m_settings(settingsFile.isEmpty() ? nullptr
                                         : std::make_unique<QSettings>(settingsFile, QSettings::IniFormat))
 {}
@@ -32,6 +33,8 @@ int HostServices::readIntegerSetting(const char *group, const QString &key, int 
 
 QString HostServices::readStringSetting(const char *group, const QString &key, const QString &defaultValue)
 {
+    if (m_collector != nullptr && key == QLatin1String("DebugServerShowModule"))
+        return QStringLiteral("On"); // the line is all that the tap gets: the module has to be in it
     const std::lock_guard<std::mutex> guard(m_mutex);
     if (!m_settings)
         return defaultValue;
@@ -47,9 +50,14 @@ void HostServices::writeStringSetting(const char *group, const QString &key, con
         m_settings->setValue(path(group, key), value);
 }
 
-void HostServices::outputLine(const QString &)
+void HostServices::outputLine(const QString &line)
 {
     ++m_tappedLines;
+    if (m_collector == nullptr)
+        return;
+    const QByteArray latin1 = line.toLatin1();
+    m_collector->forward({latin1.constData(), static_cast<std::size_t>(latin1.size())},
+                         Zorvan::Debug::getDisplayFlags());
 }
 
 bool HostServices::messageBoxesAllowed()

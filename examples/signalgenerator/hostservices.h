@@ -1,5 +1,7 @@
 #pragma once
 
+#include "syslogsender.h"
+
 #include <zorvan/debug.h>
 
 #include <QSettings>
@@ -20,8 +22,10 @@ enum class MessageBoxes { Refused, Allowed };
 class HostServices : public Zorvan::IUtilityInterface
 {
 public:
-    /// Without a file name every setting has its default and changes are forgotten.
-    explicit HostServices(const QString &settingsFile, MessageBoxes boxes = MessageBoxes::Refused);
+    /// Without a file name every setting has its default and changes are forgotten. \a collector gets every
+    /// line of the line tap; null: nobody does.
+    explicit HostServices(const QString &settingsFile, MessageBoxes boxes = MessageBoxes::Refused,
+                          SyslogSender *collector = nullptr);
 
     int readIntegerSetting(const char *group, const QString &key, int defaultValue) override;
     QString readStringSetting(const char *group, const QString &key, const QString &defaultValue) override;
@@ -36,6 +40,7 @@ public:
 
 private:
     const MessageBoxes m_messageBoxes;
+    SyslogSender *const m_collector;
     std::mutex m_mutex; // guards m_settings
     std::unique_ptr<QSettings> m_settings;
     std::atomic<quint64> m_tappedLines{0};

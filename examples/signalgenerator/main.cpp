@@ -18,7 +18,8 @@ namespace {
 void runHeadlessSession(const Options &options, std::istream &script)
 {
     setThreadName("command");
-    const DebugSession session(QString::fromLocal8Bit(options.settings.c_str()));
+    const DebugSession session(QString::fromLocal8Bit(options.settings.c_str()), MessageBoxes::Refused,
+                               makeCollector(options));
     const FaultHooks faultHooks;
     const AnalysisReport analysis;
     Traffic traffic;

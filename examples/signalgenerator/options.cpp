@@ -1,5 +1,7 @@
 #include "options.h"
 
+#include "syslogsocket.h"
+
 namespace SignalGenerator {
 
 const char *const usage =
@@ -12,6 +14,9 @@ const char *const usage =
     "  --autopilot PICTURE.png\n"
     "              drives the panel by itself, loads SCRIPT, saves a picture of the panel and ends; beside\n"
     "              it come debugwindow.png, a picture of the debug window, and debugwindow.txt, its text\n"
+    "  --syslog HOST:PORT [--name NAME]\n"
+    "              forwards every line of the debug output to a syslog collector over TCP; NAME is the\n"
+    "              instrument's name there, that of the machine without it\n"
     "  --analysis on|off\n"
     "              switches leak tracking and method timing on or off from the next start on, and ends;\n"
     "              a session without the panel reports at its end what they have found\n";
@@ -25,6 +30,10 @@ std::string *valueOf(const std::string &option, Options &options)
         return &options.settings;
     if (option == "--analysis")
         return &options.analysis;
+    if (option == "--syslog")
+        return &options.collector;
+    if (option == "--name")
+        return &options.name;
     return option == "--autopilot" ? &options.picture : nullptr;
 }
 
@@ -33,7 +42,10 @@ bool fitTogether(const Options &options)
     const bool panelPossible = !options.headless && options.script != "-";
     const bool switchKnown =
         options.analysis.empty() || options.analysis == "on" || options.analysis == "off";
-    return (options.picture.empty() || panelPossible) && switchKnown;
+    SyslogAddress ignored;
+    const bool collectorFits =
+        options.collector.empty() ? options.name.empty() : parseSyslogAddress(options.collector, ignored);
+    return collectorFits && (options.picture.empty() || panelPossible) && switchKnown;
 }
 
 bool isOption(const std::string &argument)

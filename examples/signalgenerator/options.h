@@ -11,6 +11,8 @@ struct Options
     std::string settings;
     std::string analysis; ///< "on" or "off": switch the analysis tools for the next start, and end
     std::string picture; ///< not empty: the autopilot drives the panel and saves its picture here
+    std::string collector; ///< "HOST:PORT" of a syslog collector; empty: none
+    std::string name; ///< the instrument's name there; empty: that of the machine
     bool headless = false;
     bool help = false;
 };

@@ -75,7 +75,7 @@ int runPanelSession(const Options &options)
     const QApplication application(count, arguments);
     setThreadName("gui");
     std::setlocale(LC_NUMERIC, "C"); // QApplication took the user's; numbers in debug lines keep their point
-    const DebugSession session(fileName(options.settings), MessageBoxes::Allowed);
+    const DebugSession session(fileName(options.settings), MessageBoxes::Allowed, makeCollector(options));
     const FaultHooks faultHooks;
     Traffic traffic;
     const int result = runInstrument(options, traffic);

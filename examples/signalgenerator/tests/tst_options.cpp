@@ -42,6 +42,8 @@ TEST_F(CommandLine, TakesOptionsInAnyOrder)
     EXPECT_EQ(options.script, "-");
     EXPECT_TRUE(parse({"--analysis", "off"}));
     EXPECT_EQ(options.analysis, "off");
+    EXPECT_TRUE(parse({"--syslog", "logs.lab:514", "--name", "sg1"}));
+    EXPECT_EQ(options.collector + ' ' + options.name, "logs.lab:514 sg1");
     EXPECT_TRUE(parse({"--help"}));
     EXPECT_TRUE(options.help);
 }
@@ -57,6 +59,8 @@ TEST_F(CommandLine, RefusesWhatMakesNoSense)
     EXPECT_FALSE(parse({"--autopilot", "p.png", "--headless"})) << "nothing to drive";
     EXPECT_FALSE(parse({"--autopilot", "p.png", "-"}));
     EXPECT_FALSE(parse({"--analysis", "maybe"}));
+    EXPECT_FALSE(parse({"--syslog", "logs.lab"})) << "no port";
+    EXPECT_FALSE(parse({"--name", "sg1"})) << "for nobody";
 }
 
 } // namespace
