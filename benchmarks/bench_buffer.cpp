@@ -15,11 +15,9 @@
 #include <array>
 #include <cstring>
 #include <emmintrin.h>
-#include <fstream>
 #include <functional>
 #include <map>
 #include <optional>
-#include <unistd.h>
 
 using namespace bench;
 using Zorvan::CFilteredTextBuffer;
@@ -32,13 +30,6 @@ constexpr int batchLines = 1000;
 constexpr int batches = 100; // different ones
 constexpr int rounds = 5;
 constexpr const char *rareText = "overtemperature of 4711"; // in one line, near the end
-
-double residentBytes()
-{
-    double pages = 0;
-    std::ifstream("/proc/self/statm") >> pages >> pages; // the second of its numbers
-    return pages * static_cast<double>(sysconf(_SC_PAGESIZE));
-}
 
 std::string makeLine(int number)
 {

@@ -1,7 +1,9 @@
 // What leak tracking costs an allocation and its release, switched off and on. The analyzer reads its
-// switches when the library is loaded: the program starts itself once for each state.
+// switches when the library is loaded: the program starts itself once for each state. "compare": only the
+// rows of the comparison with heaptrack.
 
 #include "table.h"
+#include "wholeprocess.h"
 
 #include <zorvan/analysis.h>
 #include <zorvan/debug.h>
@@ -17,7 +19,6 @@
 #include <map>
 #include <memory>
 #include <mutex>
-#include <optional>
 #include <thread>
 
 using namespace bench;
@@ -25,7 +26,6 @@ using namespace bench;
 namespace {
 
 constexpr std::size_t blockBytes = 64;
-constexpr int wholeProcessPairs = 5'000'000;
 constexpr double timesWanted = 6;
 constexpr double timesWantedOnTwo = 12;
 
@@ -298,39 +298,6 @@ void runPairs()
         blocks.replace();
 }
 
-/// None if the command fails.
-std::optional<double> seconds(const std::string &command)
-{
-    const auto start = std::chrono::steady_clock::now();
-    if (std::system(command.c_str()) != 0)
-        return {};
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
-
-/// Processes from start to end, which is all that can be said about a tool that runs the whole program. False
-/// if one fails.
-bool compareProcesses(const std::string &self)
-{
-    const std::optional<double> malloced = seconds("'" + self + "' plain");
-    bool succeeded = malloced.has_value();
-    say("\n### " + std::to_string(wholeProcessPairs)
-        + " pairs, whole process\n\n| | s | times plain |\n|---|--:|--:|\n");
-    const auto row = [&](const char *what, std::optional<double> time) {
-        succeeded = succeeded && time.has_value();
-        say("| " + std::string(what) + " | " + (time ? number(*time, 2) : "failed") + " | "
-            + (time && malloced ? number(*time / *malloced, 1) : "") + " |\n");
-    };
-    row("malloc/free", malloced);
-    row("xmalloc/xfree, tracked", seconds("'" + self + "' pairs"));
-    const std::string data = std::string(std::getenv("ZORVAN_PROGRAMDATA")) + "/heaptrack";
-    if (std::system("command -v heaptrack > /dev/null") == 0)
-        row("malloc/free under heaptrack",
-            seconds("heaptrack -o '" + data + "' '" + self + "' plain > /dev/null 2>&1"));
-    else
-        say("\nheaptrack is not installed.\n");
-    return succeeded;
-}
-
 /// Whether the analyzer does what the figures are said to be about.
 bool isInState(const std::string &mode)
 {
@@ -375,14 +342,23 @@ void setAnalyzer(int running, int tracking)
 
 int main(int count, char *arguments[])
 {
-    if (count > 1)
-        return run(arguments[1]);
+    const std::string mode = count > 1 ? arguments[1] : "";
+    if (count > 1 && mode != "compare")
+        return run(mode);
     if (std::getenv("ZORVAN_PROGRAMDATA") == nullptr) {
         std::fputs("Set ZORVAN_PROGRAMDATA to a folder for the properties, or use benchmarks/run.\n", stderr);
         return 2;
     }
     const std::string self = arguments[0];
-    const auto start = [&self](const char *mode) { return std::system(("'" + self + "' " + mode).c_str()); };
+    if (mode == "compare") {
+        setAnalyzer(1, 1);
+        const bool succeeded = compareWithHeaptrack(self);
+        setAnalyzer(0, 0);
+        return succeeded ? 0 : 1;
+    }
+    const auto start = [&self](const char *state) {
+        return std::system(("'" + self + "' " + state).c_str());
+    };
     setAnalyzer(0, 0);
     int failed = start("off");
     setAnalyzer(1, 0);

@@ -1,6 +1,8 @@
 // Remote clients: what a line of output costs the thread with the event loop for the first and for each
 // further client; how long a command takes; the greeting; clients that come and go, and one that never reads.
+// "growth": only how the cost of a line grows with the number of clients.
 
+#include "comparison.h"
 #include "debugserverqueue/debugserverqueue.h"
 #include "debugserverqueue/greeting.h"
 #include "debugserverqueue/guibridge.h"
@@ -11,8 +13,6 @@
 #include "waits.h"
 
 #include <QTcpSocket>
-
-#include <fstream>
 
 using namespace bench;
 using Zorvan::Debug;
@@ -173,6 +173,23 @@ void measureOutput(quint16 port, moduleId module)
     table.note("In each figure is the wake-up that tells the loop that all clients have the batch.");
 }
 
+/// By the number of clients, what a line costs for each of them.
+void showGrowth(quint16 port, moduleId module)
+{
+    const GrowthTable table("Remote clients", {1, 4, 16, 64});
+    std::vector<std::vector<double>> figures(Queue + 1);
+    for (const double clients : table.numbers()) {
+        const std::vector<Result> all = timeWays(port, module, static_cast<int>(clients));
+        settleConnections();
+        for (std::size_t way = 0; way < all.size(); ++way)
+            figures[way].push_back(all[way].figures.call / clients);
+    }
+    table.row("Line of 100 bytes, for each client, from the queue on", figures[Queue]);
+    table.row("The same by the server alone", figures[Server]);
+    table.row("For comparison: QTcpSocket, one write for each batch", figures[OneWrite]);
+    table.row("QTcpSocket, two writes for each line", figures[TwoWrites]);
+}
+
 void timeRoundTrips(Table &table, int rounds, RemoteClient &ours, RemoteClient &bare, const std::string &when)
 {
     const auto echo = [&bare] {
@@ -228,9 +245,7 @@ void row(const std::string &what, double figure, int decimals, const std::string
 
 double residentMiB()
 {
-    double pages = 0;
-    std::ifstream("/proc/self/statm") >> pages >> pages; // the second of its numbers
-    return pages * static_cast<double>(sysconf(_SC_PAGESIZE)) / (1 << 20);
+    return residentBytes() / (1 << 20);
 }
 
 /// Half of the clients say goodbye, the others vanish with a reset.
@@ -356,6 +371,11 @@ int main(int argc, char *argv[])
     standardOutput();
     startLibrary();
     const quint16 port = openPort();
+    if (argc > 1) {
+        showGrowth(port, makeModule("Measured"));
+        Debug::exitDebug();
+        return 0;
+    }
     const Result greetingOfFew = timeGreeting(27);
     const moduleId module = makeModule("Measured");
     const PlainServer echo;

@@ -4,7 +4,6 @@
 #include "table.h"
 
 #include <benchmark/benchmark.h>
-#include <chrono>
 
 using namespace bench;
 using Zorvan::Debug;
@@ -60,18 +59,6 @@ Result medianOf(const std::vector<Result> &results)
     return all;
 }
 
-/// Makes modules up to the given number and asks each for the first time. Milliseconds.
-double growTable(int modules)
-{
-    const auto start = std::chrono::steady_clock::now();
-    moduleId module = 0;
-    while (module + 1 < modules) {
-        module = Debug::createModule("Measured", "Measured");
-        Debug::isActive(module, 0, enabledClass);
-    }
-    return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
-}
-
 /// The table can only grow, so every cycle begins with a new one.
 void measureModules()
 {
@@ -87,7 +74,7 @@ void measureModules()
         describeModule(last);
         Debug::setOutputReceiver(last, ignoreLine);
         add(few, measure(setup, subjects(fewModules, last)));
-        growth.push_back(growTable(manyModules - 1));
+        growth.push_back(makeModules(last, manyModules - 1) * 1e-6);
         const moduleId added = makeModule("Measured");
         Debug::setOutputReceiver(added, ignoreLine);
         add(many, measure(setup, subjects(manyModules, added)));

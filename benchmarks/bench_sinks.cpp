@@ -17,13 +17,6 @@ using Zorvan::moduleId;
 
 namespace {
 
-FILE *droppingStream()
-{
-    cookie_io_functions_t functions{};
-    functions.write = [](void *, const char *, std::size_t size) { return static_cast<ssize_t>(size); };
-    return fopencookie(nullptr, "w", functions);
-}
-
 /// Prints to the line tap with \a output as standard output.
 std::function<void(int)> tapped(moduleId module, const QString &text, FILE *output)
 {

@@ -64,7 +64,24 @@ Zorvan::moduleId makeModule(const char *name)
     return module;
 }
 
+double makeModules(Zorvan::moduleId last, int count)
+{
+    const auto start = std::chrono::steady_clock::now();
+    while (last + 1 < count) {
+        last = Debug::createModule("Measured", "Measured");
+        Debug::isActive(last, 0, enabledClass);
+    }
+    return std::chrono::duration<double, std::nano>(std::chrono::steady_clock::now() - start).count();
+}
+
 void ignoreLine(Zorvan::hookData * /*data*/) {}
+
+FILE *droppingStream()
+{
+    cookie_io_functions_t functions{};
+    functions.write = [](void *, const char *, std::size_t size) { return static_cast<ssize_t>(size); };
+    return fopencookie(nullptr, "w", functions);
+}
 
 void setFlags(const char *words)
 {

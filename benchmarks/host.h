@@ -4,6 +4,7 @@
 
 #include <zorvan/debug.h>
 
+#include <cstdio>
 #include <string>
 
 namespace bench {
@@ -24,8 +25,14 @@ void describeModule(Zorvan::moduleId module);
 /// A new module, described.
 Zorvan::moduleId makeModule(const char *name);
 
+/// Makes modules behind \a last until there are so many, and asks each for the first time. Nanoseconds.
+double makeModules(Zorvan::moduleId last, int count);
+
 /// Takes lines and drops them.
 void ignoreLine(Zorvan::hookData *data);
+
+/// Drops inside the process what it gets.
+FILE *droppingStream();
 
 /// Puts the flags to exactly the words given, see Debug::enableSettings().
 void setFlags(const char *words);

@@ -4,9 +4,11 @@
 #include <atomic>
 #include <chrono>
 #include <ctime>
+#include <fstream>
 #include <sched.h>
 #include <sys/resource.h>
 #include <thread>
+#include <unistd.h>
 
 namespace bench {
 
@@ -228,6 +230,13 @@ double processorTime()
     timespec time{};
     clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
     return static_cast<double>(time.tv_sec) * 1e9 + static_cast<double>(time.tv_nsec);
+}
+
+double residentBytes()
+{
+    double pages = 0;
+    std::ifstream("/proc/self/statm") >> pages >> pages; // the second of its numbers
+    return pages * static_cast<double>(sysconf(_SC_PAGESIZE));
 }
 
 double median(std::vector<double> values)

@@ -72,6 +72,9 @@ std::vector<Result> measure(const Setup &setup, const std::vector<Subject> &subj
 /// Nanoseconds of a core that the calling thread has had.
 double processorTime();
 
+/// Memory of the process that is resident.
+double residentBytes();
+
 double median(std::vector<double> values);
 /// The value that \a share of all values do not exceed; 0 if there is none.
 double percentile(std::vector<double> values, double share);

@@ -30,10 +30,18 @@ private:
     std::atomic<int> m_flushes{0};
 };
 
+constexpr const char *linePattern = "%H:%M:%S.%f: (%15t thread) <%n> <%l>: %v";
+
+std::shared_ptr<spdlog::details::thread_pool> newThread()
+{
+    constexpr std::size_t places = 8192;
+    return std::make_shared<spdlog::details::thread_pool>(places, 1);
+}
+
 std::shared_ptr<spdlog::logger> makeLogger(std::shared_ptr<spdlog::sinks::sink> sink)
 {
     auto logger = std::make_shared<spdlog::logger>("Measured", std::move(sink));
-    logger->set_pattern("%H:%M:%S.%f: (%15t thread) <%n> <%l>: %v");
+    logger->set_pattern(linePattern);
     logger->flush_on(spdlog::level::trace);
     return logger;
 }
@@ -52,6 +60,21 @@ Subject toFile(const std::string &folder)
     return {"spdlog to a file", repeated([logger] { logger->info(messageText); })};
 }
 
+Subject toFileLater(const std::string &folder)
+{
+    static const auto thread = newThread();
+    const auto sink = std::make_shared<spdlog::sinks::basic_file_sink_mt>(folder + "spdlog-later.log");
+    const auto logger = std::make_shared<spdlog::async_logger>("Measured", sink, thread);
+    logger->set_pattern(linePattern);
+    Subject subject{"spdlog to a file, asynchronous", repeated([logger] { logger->info(messageText); })};
+    subject.settle = [] {
+        while (thread->queue_size() > 0)
+            std::this_thread::yield();
+    };
+    subject.consumed = true;
+    return subject;
+}
+
 Subject formatted()
 {
     const auto logger = makeLogger(std::make_shared<FormattingSink>());
@@ -60,8 +83,7 @@ Subject formatted()
 
 Subject handedOver(const std::string &line)
 {
-    constexpr std::size_t places = 8192;
-    static const auto thread = std::make_shared<spdlog::details::thread_pool>(places, 1);
+    static const auto thread = newThread();
     const auto sink = std::make_shared<FormattingSink>();
     const auto logger = std::make_shared<spdlog::async_logger>("Measured", sink, thread);
     logger->set_pattern("%v");
@@ -76,7 +98,7 @@ Subject handedOver(const std::string &line)
     return subject;
 }
 
-const bool s_added = addPeer({"spdlog", refused, toFile, formatted, handedOver});
+const bool s_added = addPeer({"spdlog", refused, toFile, formatted, handedOver, toFileLater});
 
 } // namespace
 

@@ -15,6 +15,8 @@ struct Peer
     Subject (*toFile)(const std::string &folder); ///< a line, flushed to a file that stays open
     Subject (*formatted)(); ///< a line, formatted and dropped
     Subject (*handedOver)(const std::string &line) = nullptr; ///< a finished line, to the logger's own thread
+    /// A line that the logger's own thread writes to a file that stays open, without a flush for each line.
+    Subject (*toFileLater)(const std::string &folder) = nullptr;
 };
 
 /// Every peer's source file adds itself before main().

@@ -80,8 +80,10 @@ public:
     Drain(quint16 port, int clients, long lines)
         : m_missing(lines * clients)
     {
-        while (clients-- > 0)
+        while (clients-- > 0) {
             m_clients.push_back(std::make_unique<RemoteClient>(port));
+            QCoreApplication::processEvents(); // a server accepts some fifty unseen connections, not all
+        }
         m_thread = std::thread([this] { takeLines(); });
         await(0);
     }
