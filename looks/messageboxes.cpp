@@ -1,6 +1,7 @@
 // Draws message boxes, without their frames, into PNG files, for people to look at: looks FOLDER
 
 #include "debugserverqueue/debugmessagedialog.h"
+#include "debugwindow/fontweight.h"
 #include "pictures.h"
 
 namespace {
@@ -20,7 +21,7 @@ DisplaySettings settingsFor(bool isSmall)
     settings.area.size = isSmall ? QSize(320, 240) : QSize(1024, 768);
     settings.fontFamily = isSmall ? QStringLiteral("Lucinda Sans Unicode") : QStringLiteral("Arial");
     settings.fontSizePt = isSmall ? 7 : 10;
-    settings.fontWeight = QFont::Normal;
+    settings.fontWeight = fontweight::normal;
     return settings;
 }
 

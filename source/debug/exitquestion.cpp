@@ -36,8 +36,7 @@ void appendToOutputFile(const DebugWindow &window)
 {
     const TableLock guard;
     window.forEachPiece(pieceBytes, [](QByteArray piece) {
-        std::string lines = piece.replace("\n", "\r\n").toStdString();
-        outputFile().append(lines, OutputFile::Writing::On);
+        outputFile().appendSaved(piece.append('\n').replace("\n", "\r\n").toStdString());
         return true;
     });
 }

@@ -66,9 +66,8 @@ void finishEnd() ZORVAN_REQUIRES(moduleTable().lock())
 
 /// Counts one more user and builds the modules for the first one, which gets true. Whoever comes second
 /// meanwhile waits until there are modules.
-bool addUser()
+bool addUser() ZORVAN_REQUIRES(moduleTable().lock())
 {
-    const TableLock guard;
     const bool isFirst = s_users.fetch_add(1) == 0;
     if (isFirst)
         finishEnd();
@@ -111,15 +110,22 @@ void endLibrary()
     releaseModules();
 }
 
+/// With the table locked: the lines of other threads wait until it is known where they go.
+void startOrCount()
+{
+    const TableLock guard;
+    if (!addUser())
+        return;
+    installQtMessageHandler();
+    readStartSettings();
+    setupOutputEnabled(true);
+}
+
 } // namespace
 
 void Debug::initDebug()
 {
-    if (addUser()) {
-        installQtMessageHandler();
-        readStartSettings();
-        setupOutputEnabled(true);
-    }
+    startOrCount();
     guibridge::usingQt(); // a later call connects the library with an application that has come up meanwhile
 }
 

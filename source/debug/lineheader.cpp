@@ -59,7 +59,7 @@ void StampClock::start(HostCalls hostCalls)
     m_started = true; // first: the host's counter may print
     m_startTime = QDateTime::currentDateTime();
     if (hostCalls == HostCalls::Allowed)
-        m_startCount = host::readCounter().count;
+        m_startCount = host::readCount();
 }
 
 double StampClock::elapsedSeconds(HostCalls hostCalls) const

@@ -39,7 +39,7 @@ bool s_areTimersArmed = false;
 
 quint64 counterNow()
 {
-    return host::readCounter().count;
+    return host::readCount();
 }
 
 /// Ticks between two readings, right also if the counter went past its end.

@@ -111,7 +111,7 @@ bool Module::isClassEnabled(int cls) const
 
 void ModuleTable::build()
 {
-    release();
+    clear();
     grow(predefinedCount);
     for (const PredefinedModule &predefined : predefinedModules) {
         Module &module = m_modules[static_cast<std::size_t>(predefined.id)];
@@ -123,8 +123,14 @@ void ModuleTable::build()
 
 void ModuleTable::release()
 {
-    s_quickSwitches.answerBelow(0);
     TableState::setExists(false);
+    clear();
+}
+
+/// The table goes on to exist for those who ask without its lock: a reset is no end.
+void ModuleTable::clear()
+{
+    s_quickSwitches.answerBelow(0);
     m_modules.clear();
     m_count = predefinedCount;
     m_prefixWidth = 0;

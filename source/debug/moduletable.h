@@ -66,7 +66,7 @@ public:
 
     /// Builds the table with its predefined modules; what was there before is reset.
     void build() ZORVAN_REQUIRES(m_lock);
-    void release() ZORVAN_REQUIRES(m_lock);
+    void release() ZORVAN_REQUIRES(m_lock); ///< the end of the library
     /// Takes the next id, doubling the capacity when needed; -1 without a table.
     moduleId add() ZORVAN_REQUIRES(m_lock);
 
@@ -81,6 +81,7 @@ public:
 private:
     static QuickSwitches s_quickSwitches;
 
+    void clear() ZORVAN_REQUIRES(m_lock);
     void grow(int capacity) ZORVAN_REQUIRES(m_lock);
     [[nodiscard]] std::size_t widestNameInUse() const ZORVAN_REQUIRES(m_lock);
     void refreshPrefix(Module &module, std::size_t width) ZORVAN_REQUIRES(m_lock);

@@ -1,7 +1,5 @@
 #include "debug/outputfile.h"
 
-#include "platform/files.h"
-
 #include <zorvan/debug.h>
 
 #include <QDir>
@@ -91,6 +89,12 @@ void OutputFile::append(std::string &line, Writing writing)
     line.resize(line.size() - 2);
 }
 
+void OutputFile::appendSaved(const std::string &lines)
+{
+    const platform::Locked guard(m_lock);
+    platform::AppendFile(m_path.c_str()).write(lines);
+}
+
 void OutputFile::deriveMaximum()
 {
     m_effectiveMaximum = m_maximum;
@@ -117,13 +121,23 @@ void OutputFile::write(const std::string &bytes)
         platform::AppendFile file(m_path.c_str());
         if (!file.isOpen())
             return;
-        if (file.size() <= m_effectiveMaximum) {
-            file.write(bytes);
+        const std::int64_t size = file.size();
+        if (size <= m_effectiveMaximum) {
+            writeLine(file, size, bytes);
             return;
         }
     }
     platform::discardFile(m_path.c_str());
-    platform::AppendFile(m_path.c_str()).write(bytes);
+    platform::AppendFile file(m_path.c_str());
+    writeLine(file, 0, bytes);
+}
+
+/// A full disk may take a part of a line: the next one does not go on where it stopped.
+void OutputFile::writeLine(platform::AppendFile &file, std::int64_t size, const std::string &bytes)
+{
+    if (m_endsTorn && size > 0 && !file.write("\r\n"))
+        return;
+    m_endsTorn = !file.write(bytes) && file.size() > size;
 }
 
 } // namespace Zorvan

@@ -1,10 +1,12 @@
 #pragma once
 
+#include "platform/files.h"
 #include "platform/lock.h"
 
 #include <QString>
 
 #include <atomic>
+#include <cstdint>
 #include <string>
 
 namespace Zorvan {
@@ -35,10 +37,14 @@ public:
     /// Writes \a line (Latin-1, no line end) and CR LF. The line gets its end in place and is returned as it
     /// was.
     void append(std::string &line, Writing writing) ZORVAN_EXCLUDES(m_lock);
+    /// Adds \a lines, with their ends, to whatever the file holds and however large it is.
+    void appendSaved(const std::string &lines) ZORVAN_EXCLUDES(m_lock);
 
 private:
     void deriveMaximum() ZORVAN_REQUIRES(m_lock);
     void write(const std::string &bytes) ZORVAN_REQUIRES(m_lock);
+    void writeLine(platform::AppendFile &file, std::int64_t size, const std::string &bytes)
+        ZORVAN_REQUIRES(m_lock);
 
     static constexpr qint64 notDerived = -1;
 
@@ -47,6 +53,7 @@ private:
     std::string m_path ZORVAN_GUARDED_BY(m_lock); // m_name for the file system
     qint64 m_maximum ZORVAN_GUARDED_BY(m_lock) = notDerived;
     qint64 m_effectiveMaximum ZORVAN_GUARDED_BY(m_lock) = notDerived;
+    bool m_endsTorn ZORVAN_GUARDED_BY(m_lock) = false; // in the middle of a line
     bool m_firstWritePending ZORVAN_GUARDED_BY(m_lock) = true;
     std::atomic<bool> m_nothingPending{false}; // neither the first write nor the maximum: lines may pass by
 };

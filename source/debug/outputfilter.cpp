@@ -3,6 +3,7 @@
 #include "host/patternlimits.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace Zorvan {
 
@@ -28,7 +29,7 @@ bool OutputFilter::setEntries(const QString &entries)
     updateActive();
     if (m_entryTexts.size() > mostEntries)
         return false;
-    for (const QString &entry : qAsConst(m_entryTexts)) {
+    for (const QString &entry : std::as_const(m_entryTexts)) {
         // A missing part is empty, and an empty text occurs in every line.
         m_entries.push_back({entry.section(QLatin1Char('|'), 0, 0), entry.section(QLatin1Char('|'), 1)});
     }

@@ -247,7 +247,7 @@ namespace {
 void reportRefused(const char *filter, const QString &text)
 {
     gyxLog("source/debug", __LINE__, "++++ %s filter of %d characters costs too much, no line passes\n",
-           filter, text.size());
+           filter, static_cast<int>(text.size()));
 }
 
 } // namespace

@@ -13,8 +13,10 @@
 #include <QKeyEvent>
 #include <QPointer>
 
+#include <algorithm>
 #include <atomic>
 #include <utility>
+#include <vector>
 
 namespace Zorvan {
 
@@ -70,6 +72,21 @@ private:
     const bool m_wanted;
 };
 
+/// Boxes that are to be deleted when the loop gets to it. The GUI thread only.
+std::vector<QPointer<debugMessageDialog>> &endedBoxes()
+{
+    static auto *const boxes = new std::vector<QPointer<debugMessageDialog>>;
+    return *boxes;
+}
+
+void deleteSoon(debugMessageDialog *box)
+{
+    auto &ended = endedBoxes();
+    ended.erase(std::remove(ended.begin(), ended.end(), nullptr), ended.end());
+    ended.emplace_back(box);
+    box->deleteLater();
+}
+
 } // namespace
 
 BoxPresenter::BoxPresenter(DebugServerQueue &queue)
@@ -81,10 +98,17 @@ BoxPresenter::~BoxPresenter()
     const QHash<int, debugMessageDialog *> open = std::exchange(m_open, {});
     for (debugMessageDialog *const box : open) {
         if (guibridge::eventLoopRunning())
-            box->deleteLater();
+            deleteSoon(box);
         else
             delete box;
     }
+}
+
+void BoxPresenter::deleteEnded()
+{
+    const std::vector<QPointer<debugMessageDialog>> boxes = std::exchange(endedBoxes(), {});
+    for (const QPointer<debugMessageDialog> &box : boxes)
+        delete box;
 }
 
 int BoxPresenter::show(const BoxContent &content, const std::function<void()> &giveUp)
@@ -139,13 +163,22 @@ void BoxPresenter::remove(int id)
     debugMessageDialog *const box = m_open.take(id);
     stopFilteringWithoutBoxes();
     if (box)
-        box->deleteLater();
+        deleteSoon(box);
 }
 
 void BoxPresenter::removeAll()
 {
     for (debugMessageDialog *const box : m_open.values())
         box->hide();
+}
+
+void BoxPresenter::putAway()
+{
+    QCoreApplication::instance()->removeEventFilter(&m_queue);
+    for (debugMessageDialog *const box : m_open.values()) {
+        box->removeEventFilter(&m_queue); // it stays here, to be deleted
+        box->hide();
+    }
 }
 
 bool BoxPresenter::filter(QObject *watched, QEvent *event)
@@ -163,8 +196,8 @@ void BoxPresenter::boxHidden(QObject *box)
     for (auto open = m_open.begin(); open != m_open.end(); ++open) {
         if (open.value() != box)
             continue;
+        deleteSoon(open.value());
         m_open.erase(open);
-        box->deleteLater();
         stopFilteringWithoutBoxes();
         return;
     }

@@ -31,6 +31,10 @@ public:
     void remove(int id);
     /// Takes all open boxes away.
     void removeAll();
+    /// Nobody sees the open boxes any more; they are deleted with this object.
+    void putAway();
+    /// Deletes those that wait for a loop to do it, as none will: the application ends.
+    static void deleteEnded();
     /// Keeps the focus inside the boxes and notices when one is hidden. True if the event is used up.
     bool filter(QObject *watched, QEvent *event);
 

@@ -1,5 +1,7 @@
 #include "debugserverqueue/debugmessagedialog.h"
 
+#include "debugwindow/fontweight.h"
+
 #include <QAbstractTextDocumentLayout>
 #include <QAccessible>
 #include <QHBoxLayout>
@@ -72,7 +74,7 @@ std::vector<int> wantedButtons(const BoxContent &content)
 
 QFont fontOf(const DisplaySettings &settings)
 {
-    return {settings.fontFamily, settings.fontSizePt, settings.fontWeight};
+    return {settings.fontFamily, settings.fontSizePt, fontweight::ofFont(settings.fontWeight)};
 }
 
 } // namespace

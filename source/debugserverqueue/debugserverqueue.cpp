@@ -112,6 +112,7 @@ void DebugServerQueue::closeDetached()
 {
     m_remoteAccess.closeDetached();
     m_window.end();
+    m_boxes->putAway(); // now: the queue goes when the caller has returned to the loop
 }
 
 // As a filter of the application it sees the events of all objects, and numbers of its events may mean

@@ -49,7 +49,7 @@ public:
     void clientCountChanged();
     void modesChanged();
     void hookStarted();
-    /// Unless in server mode.
+    /// The window only: the other outputs are off already.
     void switchWindowOff();
     /// For a queue that is detached: closes its port, which its successor may want, and its window.
     void closeDetached();

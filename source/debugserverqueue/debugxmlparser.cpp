@@ -1,8 +1,10 @@
 #include "debugserverqueue/debugxmlparser.h"
 
 #include "debugserverqueue/guibridge.h"
+#include "debugserverqueue/librarynotice.h"
 #include "debugserverqueue/unitlimits.h"
 #include "host/modulenames.h"
+#include "host/patternlimits.h"
 
 #include <zorvan/debug.h>
 
@@ -71,6 +73,16 @@ void executeFilter(const Attributes &attributes)
         Debug::enableClasses(module, valueOf(attributes, "classes"));
 }
 
+/// Every thread of the host pays for each of its lines: what a client asks for costs less than what the host
+/// may choose itself.
+void setOutputFilter(const QString &pattern)
+{
+    if (isCheap(pattern))
+        Debug::setOutputFilter(pattern);
+    else
+        libraryNotice(QStringLiteral("++++ the output filter of a client costs too much, it is not used"));
+}
+
 /// "makedefault" counts only without an output filter: a client that wants both sends two elements.
 void executeConfig(const Attributes &attributes)
 {
@@ -79,7 +91,7 @@ void executeConfig(const Attributes &attributes)
     if (has(attributes, "levelsfilter"))
         Debug::setLevelFilter(unescaped(valueOf(attributes, "levelsfilter")));
     if (has(attributes, "outputfilter"))
-        Debug::setOutputFilter(unescaped(valueOf(attributes, "outputfilter")));
+        setOutputFilter(unescaped(valueOf(attributes, "outputfilter")));
     else if (has(attributes, "makedefault"))
         guibridge::makeDefault();
 }
@@ -96,7 +108,7 @@ constexpr Command commands[] = {
     {"config", executeConfig},
 };
 
-const Command *commandNamed(const QStringRef &name)
+const Command *commandNamed(QStringView name)
 {
     const auto *const found =
         std::find_if(std::begin(commands), std::end(commands),

@@ -1,8 +1,8 @@
 #include "debugserverqueue/displaysettings.h"
 
+#include "debugwindow/fontweight.h"
 #include "host/hosthandlers.h"
 
-#include <QFont>
 #include <QGuiApplication>
 #include <QScreen>
 
@@ -12,7 +12,6 @@ namespace {
 
 constexpr int widestSmallDisplay = 320;
 constexpr int largestFontPt = 72;
-constexpr int heaviestFont = 99;
 constexpr QSize sizeWithoutScreen{1024, 768}; // all displays may be unplugged
 
 QSize desktopSize()
@@ -53,8 +52,8 @@ DisplaySettings readDisplaySettings()
     settings.fontSizePt = host::readInteger(QStringLiteral("MessageFontSize"), defaultSize);
     if (settings.fontSizePt <= 0 || settings.fontSizePt > largestFontPt)
         settings.fontSizePt = defaultSize;
-    settings.fontWeight =
-        qBound(0, host::readInteger(QStringLiteral("MessageFontWeight"), QFont::Normal), heaviestFont);
+    settings.fontWeight = qBound(
+        0, host::readInteger(QStringLiteral("MessageFontWeight"), fontweight::normal), fontweight::heaviest);
     return settings;
 }
 

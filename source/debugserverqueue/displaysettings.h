@@ -12,7 +12,7 @@ struct DisplaySettings
     DisplayArea area;
     QString fontFamily;
     int fontSizePt = 0;
-    int fontWeight = 0; ///< of QFont, 0 to 99
+    int fontWeight = 0; ///< as stored, see fontweight
 };
 
 /// Whether a display has room for large letters, icons and gaps.

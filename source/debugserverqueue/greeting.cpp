@@ -1,5 +1,6 @@
 #include "debugserverqueue/greeting.h"
 
+#include "host/hookkeys.h"
 #include "host/modulenames.h"
 #include "host/tablestate.h"
 
@@ -48,11 +49,11 @@ QString list(const char *first, Descriptions descriptionsOf, moduleId module)
 QString enabledLevel(moduleId module)
 {
     const int level = Debug::getClippingLevel(module);
-    if (level < 0)
+    if (level == -1)
         return QStringLiteral("release");
     int count = 0;
     const char **const descriptions = Debug::getMessageLevelDescriptions(module, &count);
-    return level < count ? listed(descriptions[level]) : QString();
+    return level >= 0 && level < count ? listed(descriptions[level]) : QString();
 }
 
 QString moduleRecord(moduleId module, QString name)
@@ -97,10 +98,8 @@ void addModules(Records &records)
 void addHooks(Records &records)
 {
     records.add("<hooks>");
-    int count = 0;
-    const QString *const keys = Debug::getHooks(count);
-    for (int i = 0; i < count; ++i)
-        records.add(QStringLiteral("  <hook key='") + keys[i] + QStringLiteral("' />"));
+    for (const QString &key : host::hookKeys())
+        records.add(QStringLiteral("  <hook key='") + key + QStringLiteral("' />"));
     records.add("</hooks>");
 }
 

@@ -1,12 +1,14 @@
 #include "debugserverqueue/guibridge.h"
 
 #include "debugserverqueue/afterlines.h"
+#include "debugserverqueue/boxpresenter.h"
 #include "debugserverqueue/debugserverqueue.h"
 #include "debugserverqueue/events.h"
 #include "debugserverqueue/hooks.h"
 #include "debugserverqueue/pendinglines.h"
 #include "debugserverqueue/showndialog.h"
 #include "host/hosthandlers.h"
+#include "host/outputswitch.h"
 #include "host/savedconfiguration.h"
 #include "host/tablestate.h"
 #include "platform/process.h"
@@ -207,6 +209,7 @@ void deleteRetired()
         }
         delete queue;
     }
+    BoxPresenter::deleteEnded();
     OutputWindow::deleteEnded();
 }
 
@@ -457,6 +460,9 @@ void announceModes()
 
 void switchWindowOff()
 {
+    if (!s_hasWindow.load() || Debug::isServer())
+        return;
+    host::setOutputEnabled(false); // at once: what the caller does to classes and levels next switches it on
     tellWindowLater(&DebugServerQueue::switchWindowOff);
 }
 

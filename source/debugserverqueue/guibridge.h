@@ -83,7 +83,7 @@ void setClientCount(int count);
 [[nodiscard]] int clientCount();
 /// Have the window follow the mode of the process, or the start of a hook with a thread of its own.
 void announceModes();
-/// Has the window drop its output, unless in server mode.
+/// Switches the output off and has the window drop its own, if there is one, unless in server mode.
 void switchWindowOff();
 void announceHookStart();
 /// Stores the configuration as the host's default, with the window's own settings if there is one. In the

@@ -54,9 +54,11 @@ void HookRegistry::installAdapter(const std::string &key, std::shared_ptr<HookOb
 {
     HookHandlers dead; // destroyed after the lock is released
     const platform::Locked guard(m_lock);
+    const auto present = m_keys.find(key);
+    const bool direct = present != m_keys.end() && present->second.direct; // also if all its objects are gone
     dead =
         takeHandlers(key, [](const HookHandler &each) { return each.adapter && !each.adapter->isAlive(); });
-    HookHandlers &handlers = keyFor(key, false).handlers;
+    HookHandlers &handlers = keyFor(key, direct).handlers;
     const bool isThere = std::any_of(handlers.begin(), handlers.end(), [&](const HookHandler &each) {
         return each.adapter && isSame(*each.adapter);
     });
@@ -220,6 +222,7 @@ void HookRegistry::releaseInChild()
 {
     std::move(m_threads.begin(), m_threads.end(), std::back_inserter(m_parentsThreads));
     m_threads.clear();
+    m_threadEnded.forgetWaiters();
     m_lock.unlock();
 }
 

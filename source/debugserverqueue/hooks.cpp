@@ -7,6 +7,7 @@
 #include "debugserverqueue/hookregistry.h"
 #include "debugserverqueue/hookthread.h"
 #include "debugserverqueue/librarynotice.h"
+#include "host/hookkeys.h"
 #include "host/tablestate.h"
 #include "platform/process.h"
 
@@ -214,18 +215,28 @@ void Debug::activateHooks(const char *key, const char *parameters)
                                                                             : HookWorker::Window::Follows));
 }
 
+QStringList host::hookKeys()
+{
+    QStringList listed;
+    if (!TableState::exists())
+        return listed;
+    for (const std::string &key : hookRegistry().sortedKeys()) {
+        if (!isNotificationKey(key))
+            listed.append(QLatin1String(key.c_str()));
+    }
+    return listed;
+}
+
 QString *Debug::getHooks(int &count)
 {
     count = 0;
     if (!TableState::exists())
         return nullptr;
-    std::vector<std::string> keys = hookRegistry().sortedKeys();
-    keys.erase(std::remove_if(keys.begin(), keys.end(), isNotificationKey), keys.end());
+    const QStringList keys = host::hookKeys();
     count = static_cast<int>(keys.size());
     std::unique_ptr<QString[]> &listed = listedKeys();
-    listed = std::make_unique<QString[]>(keys.size());
-    std::transform(keys.begin(), keys.end(), listed.get(),
-                   [](const std::string &key) { return QLatin1String(key.c_str()); });
+    listed = std::make_unique<QString[]>(static_cast<std::size_t>(count));
+    std::copy(keys.begin(), keys.end(), listed.get());
     return listed.get();
 }
 

@@ -50,7 +50,7 @@ bool DebugServerQueue::makeWindow()
             break;
     }
     m_isMakingWindow = false;
-    if (guibridge::linesWait())
+    if (m_isStarted && guibridge::linesWait())
         armTimer(); // no other line tells of them
     return m_window.get() != nullptr;
 }
@@ -158,8 +158,8 @@ void DebugServerQueue::hookStarted()
 
 void DebugServerQueue::switchWindowOff()
 {
-    if (m_window.get() != nullptr && !Debug::isServer())
-        m_window.get()->setOutputOn(false);
+    if (m_window.get() != nullptr)
+        m_window.get()->dropOutput();
 }
 
 } // namespace Zorvan

@@ -39,7 +39,7 @@ public:
 private:
     [[nodiscard]] bool startsWith(const char *beginning) const
     {
-        return m_text.midRef(m_at).startsWith(QLatin1String(beginning));
+        return QStringView(m_text).mid(m_at).startsWith(QLatin1String(beginning));
     }
 
     bool skipBehind(const char *end, int from)

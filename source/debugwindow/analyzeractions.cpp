@@ -138,7 +138,7 @@ void AnalyzerActions::dumpResults()
 {
     const Watch watch(this);
     const AnalyzerState state = analyzerState();
-    const QByteArray sources = host::readString(sourcesKey(), QString()).toUtf8();
+    const QByteArray sources = host::readString(sourcesKey(), QString()).toLatin1();
     if (state.leaksTracked && watch.goesOn())
         analysis::dumpLeaks(sources.constData());
     if (!state.methodsTracked || !watch.goesOn())

@@ -7,6 +7,7 @@
 #include "debugwindow/rowcopy.h"
 #include "debugwindow/viewcommands.h"
 #include "debugwindow/windowgeometry.h"
+#include "host/hookkeys.h"
 #include "host/hosthandlers.h"
 #include "host/outputswitch.h"
 #include "leakanalyzer/analysisoutput.h"
@@ -17,6 +18,7 @@
 #include <QComboBox>
 #include <QCoreApplication>
 #include <QKeyEvent>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QVBoxLayout>
 
@@ -107,6 +109,8 @@ void DebugWindow::connectControls()
     connect(m_tools->analyze(), &QPushButton::clicked, this, &DebugWindow::analyzing);
     connect(m_tools->parameters(), &QComboBox::editTextChanged, this, &DebugWindow::typedInput);
     connect(m_tools->parameters(), &QComboBox::textActivated, this, &DebugWindow::enteredInput);
+    connect(m_tools->parameters()->lineEdit(), &QLineEdit::selectionChanged, this,
+            [this] { m_parameterHistory.selected(); });
     m_tools->parameters()->installEventFilter(this);
     m_tools->parameters()->view()->installEventFilter(this);
     m_settingsTimer.setSingleShot(true);
@@ -164,17 +168,26 @@ void DebugWindow::forEachPiece(std::size_t mostBytes, const std::function<bool(Q
 
 void DebugWindow::setOutputOn(bool on)
 {
-    m_isOutputOff = !on;
-    m_tools->showOutputOff(m_isOutputOff);
+    takeOutput(on);
     host::setOutputEnabled(on);
     Debug::activateHooks("DebugServerSettingsChangedHook", "");
 }
 
+void DebugWindow::dropOutput()
+{
+    takeOutput(false);
+    Debug::activateHooks("DebugServerSettingsChangedHook", "");
+}
+
+void DebugWindow::takeOutput(bool on)
+{
+    m_isOutputOff = !on;
+    m_tools->showOutputOff(m_isOutputOff);
+}
+
 void DebugWindow::refreshHooks()
 {
-    int count = 0;
-    const QString *const keys = Debug::getHooks(count);
-    m_tools->setHooks(QStringList(keys, keys + count));
+    m_tools->setHooks(host::hookKeys());
 }
 
 void DebugWindow::refreshSettings()

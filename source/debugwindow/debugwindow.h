@@ -52,6 +52,8 @@ public:
     void forEachPiece(std::size_t mostBytes, const std::function<bool(QByteArray piece)> &take) const;
     /// Switches the output on or off; what it was does not matter.
     void setOutputOn(bool on);
+    /// The window shows no more lines; the other outputs stay as they are.
+    void dropOutput();
     /// Fills the hook selector anew.
     void refreshHooks();
     /// Lets the settings dialog, if it is on the screen, show the present modules, classes and levels. Soon,
@@ -103,6 +105,7 @@ private:
     void run(int command);
     void configureMessages();
     [[nodiscard]] SettingsDialog *newSettingsDialog();
+    void takeOutput(bool on);
     void discardSettingsDialog();
     void copyToClipboard();
     void saveToFile();

@@ -65,7 +65,7 @@ void HandlerReports::reportVisible(bool isVisible)
 
 void HandlerReports::reportShown()
 {
-    if (!std::exchange(m_comesFromMinimized, false))
+    if (!std::exchange(m_comesFromMinimized, m_window.isMinimized()))
         reportVisible(true);
 }
 
@@ -82,7 +82,7 @@ void HandlerReports::reportActive(bool isActive)
 void HandlerReports::noteState(const QEvent &event)
 {
     const auto before = static_cast<const QWindowStateChangeEvent &>(event).oldState();
-    if (m_window.isMinimized() && (before & Qt::WindowMinimized) == 0)
+    if (m_window.isVisible() && m_window.isMinimized() && (before & Qt::WindowMinimized) == 0)
         m_comesFromMinimized = true;
 }
 

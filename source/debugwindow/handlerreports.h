@@ -28,7 +28,7 @@ private:
     void noteState(const QEvent &event);
 
     QWidget &m_window;
-    bool m_comesFromMinimized = false; // the next Show does not count
+    bool m_comesFromMinimized = false; // it counts as visible: the next Show is no news
     int m_modalsOpen = 0;
     bool m_isDeactivationKept = false; // the activation that takes it back is kept, too
 };

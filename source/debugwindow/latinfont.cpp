@@ -14,6 +14,7 @@ namespace {
 
 constexpr std::size_t glyphsAtOnce = 256;
 constexpr qreal overhang = 2; // columns that a character may reach beyond its own
+constexpr std::size_t mostMeasured = 16 * 1024; // characters, if they are less than a pixel wide each
 
 QString toString(std::string_view text)
 {
@@ -126,7 +127,11 @@ std::string_view LatinFont::beginningOf(std::string_view text, qreal width) cons
         if (canDrawGlyphs(beginning))
             return beginning;
     }
-    return first(width + overhang);
+    std::string_view beginning = first(width + overhang);
+    const qreal wanted = width + overhang * m_lineSpacing; // in characters that are as wide as they are high
+    while (beginning.size() < std::min(text.size(), mostMeasured) && this->width(beginning) < wanted)
+        beginning = first(2 * static_cast<qreal>(beginning.size()) + 1); // also from none at all
+    return beginning;
 }
 
 std::int64_t LatinFont::columnAt(std::string_view text, qreal x) const

@@ -33,8 +33,8 @@ public:
     [[nodiscard]] int pointSize() const { return m_pointSize; }
     /// Pixels. Tab stops count from the beginning of the text.
     [[nodiscard]] qreal width(std::string_view text) const;
-    /// The smallest column whose prefix is at least \a x pixels wide; the end of the text if none is, or if
-    /// that many characters would be less than a pixel wide each.
+    /// The smallest column whose prefix is at least \a x pixels wide; the end of the text if none is, or a
+    /// later one than would be painted if thousands of characters have no width.
     [[nodiscard]] std::int64_t columnAt(std::string_view text, qreal x) const;
     /// The beginning of the text that is enough to fill \a width pixels, be the text as long as it may.
     [[nodiscard]] std::string_view beginningOf(std::string_view text, qreal width) const;

@@ -1,5 +1,7 @@
 #include "debugwindow/markerfile.h"
 
+#include "settingsdialog/writtenfile.h"
+
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
@@ -20,8 +22,8 @@ QString withSuffix(const QString &path)
 
 void save(const QString &path, const QString &markers)
 {
-    if (path.isEmpty())
-        return; // Qt would print a warning
+    if (!canBeWritten(path))
+        return;
     QSaveFile file(path);
     file.setDirectWriteFallback(true); // in folders where only the file itself can be written
     if (!file.open(QIODevice::WriteOnly | QIODevice::Text))

@@ -35,6 +35,14 @@ bool ParameterHistory::typed(const QString &text)
     return !m_toComplete.isEmpty();
 }
 
+void ParameterHistory::selected()
+{
+    const QLineEdit &edit = *m_field.lineEdit();
+    m_lastTyped = edit.text();
+    if (edit.hasSelectedText())
+        m_lastTyped.remove(edit.selectionStart(), edit.selectionLength());
+}
+
 void ParameterHistory::complete()
 {
     const QString typed = std::exchange(m_toComplete, QString());

@@ -24,6 +24,8 @@ public:
     void add(const QString &text);
     /// The field has a new text. True: complete() has something to look for.
     [[nodiscard]] bool typed(const QString &text);
+    /// The field has another selection, which goes when the user types on: what is left counts as typed.
+    void selected();
     /// Appends the rest of the first text in the list that begins with what was typed, and marks it, so that
     /// typing on replaces it.
     void complete();

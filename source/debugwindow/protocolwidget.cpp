@@ -20,7 +20,7 @@ constexpr std::int64_t linesPerMemoryCheck = 500;
 constexpr std::uint64_t mostKilobytes = 0x3FFFFF; // of lines: what 32 bits can address
 constexpr int horizontalRange = 256; // in points of the font's size
 
-/// Half of what the lines have and could get.
+/// Half of what the lines have and could get together; 4 GiB where that sum is 4 GiB or more.
 std::uint32_t memoryLimit(std::uint64_t allocatedBytes, std::uint64_t availableBytes)
 {
     const std::uint64_t kilobytes = allocatedBytes / 1024 + availableBytes / 1024;
@@ -152,7 +152,6 @@ void QProtocolWidget::clear()
 {
     m_buffer.clearAll();
     m_selection.clear();
-    m_foundRow = -1;
     updateScrollRange();
 }
 
@@ -173,12 +172,9 @@ void QProtocolWidget::copy()
     copy(m_selection);
 }
 
-/// Nothing is no reason to empty the clipboard.
 void QProtocolWidget::copy(const Selection &selection)
 {
-    const QString text = copiedText(m_buffer, selection);
-    if (!text.isEmpty())
-        QGuiApplication::clipboard()->setText(text);
+    QGuiApplication::clipboard()->setText(copiedText(m_buffer, selection));
 }
 
 void QProtocolWidget::toggleLineNumbers()

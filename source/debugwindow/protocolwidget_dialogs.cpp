@@ -42,6 +42,7 @@ std::optional<QString> QProtocolWidget::askForMarkerFile(const QString &title, Q
 {
     questions::FileQuestion question{title, tr("Debug Server Output Filter (*.dbgfilt)"), mode};
     question.suffix = QStringLiteral("dbgfilt");
+    question.suffixCase = Qt::CaseSensitive; // as markerfile::withSuffix() has it
     return ask([&] { return questions::askForFile(this, question); });
 }
 

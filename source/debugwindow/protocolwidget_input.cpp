@@ -131,7 +131,8 @@ void QProtocolWidget::drag()
         m_dragTimer.start(dragInterval, this);
     if (direction != 0)
         scrollByRow(direction);
-    m_selection.extendTo(positionAt({m_dragPosition.x(), y}));
+    if (m_selection.isActive()) // not after Ctrl, nor once output has ended it
+        m_selection.extendTo(positionAt({m_dragPosition.x(), y}));
     repaintRows();
 }
 

@@ -100,7 +100,7 @@ QVariant cell(const AnalysisReport &report, const MethodRow &row, int column)
 {
     switch (column) {
     case ResultsWindow::MethodName:
-        return QString::fromUtf8(row.name.data(), static_cast<int>(row.name.size()));
+        return QString::fromLatin1(row.name.data(), static_cast<int>(row.name.size()));
     case ResultsWindow::Calls:
         return row.calls;
     case ResultsWindow::ThreadId:

@@ -1,5 +1,7 @@
 #include "debugwindow/savedlog.h"
 
+#include "settingsdialog/writtenfile.h"
+
 #include <zorvan/debug.h>
 
 #include <QFile>
@@ -26,7 +28,7 @@ Place startingPlace(const QString &lastLog)
 bool write(const QString &path, const QString &text)
 {
     QFile file(path);
-    if (path.isEmpty() || !file.open(QIODevice::WriteOnly))
+    if (!canBeWritten(path) || !file.open(QIODevice::WriteOnly))
         return false;
     const std::unique_ptr<QTextEncoder> encoder(
         QTextCodec::codecForLocale()->makeEncoder(QTextCodec::IgnoreHeader));

@@ -43,7 +43,7 @@ sourceFileList::sourceFileList(const QString &stored, QWidget *parent)
 void sourceFileList::methodInformation(const char *file, int, const char *)
 {
     if (file != nullptr)
-        add(lastPart(QString::fromUtf8(file)));
+        add(lastPart(QString::fromLatin1(file)));
 }
 
 void sourceFileList::add(const QString &name)

@@ -32,6 +32,8 @@ SourcesDialog::SourcesDialog(const QString &stored, QWidget *parent)
     rows->addWidget(buttons);
     m_files->setToolTip(tr("The context menu checks all files or none"));
     m_files->setFocus();
+    if (parent)
+        setFont(parent->font()); // that of the interface; dialogs inherit none
     resize(startSize);
 }
 

@@ -1,5 +1,6 @@
 #include "debugwindow/windowfonts.h"
 
+#include "debugwindow/fontweight.h"
 #include "host/hosthandlers.h"
 
 #include <QFontInfo>
@@ -10,7 +11,6 @@ namespace {
 
 constexpr int defaultSizePt = 8;
 constexpr int largestSizePt = 200;
-constexpr int heaviest = 99;
 
 struct FontKeys
 {
@@ -36,8 +36,8 @@ QFont readFont(const FontKeys &keys)
     const QString defaultFamily = QString::fromLatin1(keys.defaultFamily);
     const QString family = host::readString(QString::fromLatin1(keys.family), defaultFamily);
     const int size = readNumber(keys.size, 1, largestSizePt, defaultSizePt);
-    const int weight = readNumber(keys.weight, 0, heaviest, QFont::Normal);
-    QFont font(family.isEmpty() ? defaultFamily : family, size, weight);
+    const int weight = readNumber(keys.weight, 0, fontweight::heaviest, fontweight::normal);
+    QFont font(family.isEmpty() ? defaultFamily : family, size, fontweight::ofFont(weight));
     font.setStyleHint(keys.hint);
     font.setItalic(false); // said explicitly, or the messages would take it over from the window's font
     return font;
@@ -47,8 +47,8 @@ void addFont(Settings &settings, const FontKeys &keys, const QFont &font)
 {
     const int size = font.pointSize() > 0 ? font.pointSize() : QFontInfo(font).pointSize();
     settings.emplace_back(keys.family, font.family());
-    settings.emplace_back(keys.size, QString::number(size));
-    settings.emplace_back(keys.weight, QString::number(font.weight()));
+    settings.emplace_back(keys.size, QString::number(qMin(size, largestSizePt)));
+    settings.emplace_back(keys.weight, QString::number(fontweight::toStore(font)));
 }
 
 } // namespace

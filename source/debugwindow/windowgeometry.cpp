@@ -53,7 +53,7 @@ Desktop desktop()
     const QScreen *const primary = QGuiApplication::primaryScreen();
     if (primary == nullptr)
         return {areaWithoutDisplay, 1};
-    return {primary->availableGeometry(), QGuiApplication::screens().size()};
+    return {primary->availableGeometry(), static_cast<int>(QGuiApplication::screens().size())};
 }
 
 QRect defaultStrip(const Desktop &desktop)
@@ -100,9 +100,13 @@ QPoint framePosition(const QRect &client)
 
 QRect placeOf(const QWidget &window, const QRect &restored)
 {
-    if (window.pos() == framePosition(restored))
-        return {restored.topLeft(), window.size()};
-    return window.isMaximized() || window.isFullScreen() ? window.normalGeometry() : window.geometry();
+    if (!window.isMaximized() && !window.isFullScreen()) {
+        const bool wasMoved = window.pos() != framePosition(restored);
+        return wasMoved ? window.geometry() : QRect(restored.topLeft(), window.size());
+    }
+    const QRect client = window.normalGeometry(); // behind a frame that is not known now
+    const bool wasMoved = !QRect(framePosition(restored), restored.topLeft()).contains(client.topLeft());
+    return wasMoved ? client : QRect(restored.topLeft(), client.size());
 }
 
 } // namespace Zorvan::windowgeometry

@@ -78,6 +78,12 @@ void writeString(const QString &key, const QString &value)
         handler->writeStringSetting(settingsGroup, key, value);
 }
 
+quint64 readCount()
+{
+    IUtilityInterface *const handler = s_utility.load();
+    return handler ? handler->readCounter() : 0;
+}
+
 CounterReading readCounter()
 {
     IUtilityInterface *const handler = s_utility.load();

@@ -34,5 +34,7 @@ struct CounterReading
     double frequency = 3902.0;
 };
 [[nodiscard]] CounterReading readCounter();
+/// The count alone: what asking for the frequency takes is not measured.
+[[nodiscard]] quint64 readCount();
 
 } // namespace Zorvan::host

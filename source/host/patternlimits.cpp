@@ -9,29 +9,38 @@ namespace {
 
 constexpr std::size_t greatestDepth = 50;
 constexpr qint64 greatestWeight = 1000;
-// Factors for what may match in several ways, each of which is tried
+constexpr qint64 greatestCheapWeight = 250;
+// What may match in several ways weighs more: each of them is tried, from each character of the line.
 constexpr qint64 openEnded = 60; // "*", "+", "{2,}", back references
 constexpr qint64 optional = 20; // "?"
 constexpr qint64 ranged = 10; // "{2,5}", for each of the five
 constexpr qint64 lookAhead = 8;
 
-/// Weighs an expression by the characters that it consists of when all repetitions are written out. It need
-/// not be exact.
+/// Weighs an expression by the characters that it consists of when all counted repetitions are written out.
+/// It need not be exact. A repetition without a count adds: it makes a loop of the machine that matches, and
+/// what is in it is tried no oftener.
 class Scale
 {
 public:
-    explicit Scale(const QString &pattern)
+    Scale(const QString &pattern, qint64 limit)
         : m_pattern(pattern)
+        , m_limit(limit)
     {}
 
     [[nodiscard]] bool isTooHeavy()
     {
-        while (m_at < m_pattern.size() && m_weight <= greatestWeight && m_outer.size() <= greatestDepth)
+        while (m_at < m_pattern.size() && m_weight <= m_limit && m_outer.size() <= greatestDepth)
             weighNext();
-        return m_weight > greatestWeight || m_outer.size() > greatestDepth;
+        return m_weight > m_limit || m_outer.size() > greatestDepth;
     }
 
 private:
+    struct Repetition
+    {
+        qint64 times;
+        qint64 more;
+    };
+
     struct Group
     {
         qint64 weightBefore;
@@ -42,7 +51,7 @@ private:
     {
         const QChar character = m_pattern[m_at++];
         if (character == QLatin1Char('(')) {
-            const QStringRef next = m_pattern.midRef(m_at, 2);
+            const QStringView next = QStringView(m_pattern).mid(m_at, 2);
             const bool looksAhead = next == QLatin1String("?=") || next == QLatin1String("?!");
             m_outer.push_back({m_weight, looksAhead ? lookAhead : 1});
             m_weight = 0;
@@ -65,30 +74,34 @@ private:
     }
 
     /// An atom, with the repetition that follows it.
-    void add(qint64 atom, qint64 before) { m_weight = before + atom * repetition(); }
+    void add(qint64 atom, qint64 before)
+    {
+        const Repetition repeated = repetition();
+        m_weight = before + atom * repeated.times + repeated.more;
+    }
 
-    qint64 repetition()
+    Repetition repetition()
     {
         const QChar next = m_at < m_pattern.size() ? m_pattern[m_at] : QChar();
         if (next == QLatin1Char('{'))
             return countedRepetition();
         if (next != QLatin1Char('*') && next != QLatin1Char('+') && next != QLatin1Char('?'))
-            return 1;
+            return {1, 0};
         ++m_at;
-        return next == QLatin1Char('?') ? optional : openEnded;
+        return {1, next == QLatin1Char('?') ? optional : openEnded};
     }
 
     /// "{n}", "{n,}", "{,m}" or "{n,m}"
-    qint64 countedRepetition()
+    Repetition countedRepetition()
     {
         const int begin = m_at + 1;
         skipBehind(QLatin1Char('}'));
         const QString counts = m_pattern.mid(begin, m_at - begin - 1);
         const qint64 least = std::max(counts.section(QLatin1Char(','), 0, 0).toInt(), 1);
         if (!counts.contains(QLatin1Char(',')))
-            return least;
+            return {least, 0};
         const qint64 most = counts.section(QLatin1Char(','), 1).toInt();
-        return most > 0 ? ranged * std::max(least, most) : openEnded * least;
+        return most > 0 ? Repetition{ranged * std::max(least, most), 0} : Repetition{least, openEnded};
     }
 
     void skipBehind(QChar end)
@@ -98,6 +111,7 @@ private:
     }
 
     const QString &m_pattern;
+    qint64 m_limit;
     int m_at = 0;
     qint64 m_weight = 0; ///< of the open group
     std::vector<Group> m_outer; ///< around it
@@ -107,7 +121,12 @@ private:
 
 bool isAffordable(const QString &pattern)
 {
-    return !Scale(pattern).isTooHeavy();
+    return !Scale(pattern, greatestWeight).isTooHeavy();
+}
+
+bool isCheap(const QString &pattern)
+{
+    return !Scale(pattern, greatestCheapWeight).isTooHeavy();
 }
 
 } // namespace Zorvan

@@ -8,4 +8,8 @@ namespace Zorvan {
 /// thread prints; its repetitions multiply, and a short text would keep every line waiting.
 [[nodiscard]] bool isAffordable(const QString &pattern);
 
+/// Whether it costs so little that it is taken from anybody. The time grows with the square of the line's
+/// length: some milliseconds for the worst and a line of a hundred characters.
+[[nodiscard]] bool isCheap(const QString &pattern);
+
 } // namespace Zorvan

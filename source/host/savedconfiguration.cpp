@@ -48,9 +48,11 @@ void saveFlag(const Saving &saving, const displayflags::FlagKey &stored)
 
 void saveFlags(const Saving &saving)
 {
-    saveFlag(saving, displayflags::storedModuleName);
-    for (const displayflags::FlagKey &stored : displayflags::storedFlags)
+    for (const displayflags::FlagKey &stored : displayflags::storedFlags) {
         saveFlag(saving, stored);
+        if (stored.flag == displayflags::threadId) // it is read first, but has its place here
+            saveFlag(saving, displayflags::storedModuleName);
+    }
 }
 
 } // namespace

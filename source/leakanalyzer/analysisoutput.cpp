@@ -60,6 +60,7 @@ public:
     /// In the child of a fork() the other threads are not there any more, nor what they are about to end.
     void dropOtherThreads() ZORVAN_REQUIRES(m_mutex)
     {
+        m_delivered.forgetWaiters();
         Delivery **place = &m_deliveries;
         while (*place != nullptr) {
             if ((*place)->m_thread == platform::currentThreadId())

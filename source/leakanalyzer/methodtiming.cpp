@@ -27,7 +27,10 @@ constexpr int tooManyStartsLine = 928;
 constexpr int tooManyEndsLine = 980;
 constexpr int unknownMethodLine = 1007;
 
-std::atomic<bool> s_calibrationPending{true};
+/// The calibration takes place once. One that comes while measuring is suspended, where it would measure
+/// nothing, waits for the end of that.
+enum class Calibration { pending, deferred, done };
+std::atomic<Calibration> s_calibration{Calibration::pending};
 ZORVAN_THREAD_WORD unsigned s_ownSuspensions = 0;
 
 ZORVAN_THREAD_WORD bool s_isReporting = false;
@@ -51,6 +54,27 @@ void report(const PairingFaults &faults)
                  "++++++++++++++++++++++++ unknown endMethod ID given, no measurement "
                  "++++++++++++++++++++++++\n");
     s_isReporting = false;
+}
+
+bool isSuspended()
+{
+    return Zorvan::detail::timeTracking.load() >= oneSuspension;
+}
+
+/// True for one caller only.
+bool moveCalibration(Calibration from, Calibration to)
+{
+    return s_calibration.compare_exchange_strong(from, to);
+}
+
+/// For the end of a suspension, and for a calibration that was just deferred: whichever comes last sees the
+/// other one.
+void catchUpOnCalibration()
+{
+    if (isSuspended() || !moveCalibration(Calibration::deferred, Calibration::done))
+        return;
+    calibrate();
+    clearTimes();
 }
 
 /// Without memory for it a method is not measured, nor told.
@@ -99,18 +123,14 @@ void setTimeTracking(int state)
 {
     if (!isRunning())
         return;
-    const bool isSuspended =
-        Zorvan::detail::timeTracking.load() >= oneSuspension; // the calibration would measure nothing
-    if (state == 1 && !isSuspended && s_calibrationPending.exchange(false)) {
-        Zorvan::detail::timeTracking.fetch_or(switchedOn);
-        calibrate();
+    if (state == 0) {
+        moveCalibration(Calibration::deferred, Calibration::pending);
         Zorvan::detail::timeTracking.fetch_and(~switchedOn);
-        clearTimes();
+        return;
     }
-    if (state != 0)
-        Zorvan::detail::timeTracking.fetch_or(switchedOn);
-    else
-        Zorvan::detail::timeTracking.fetch_and(~switchedOn);
+    Zorvan::detail::timeTracking.fetch_or(switchedOn);
+    if (state == 1 && moveCalibration(Calibration::pending, Calibration::deferred))
+        catchUpOnCalibration();
 }
 
 int timeTracking()
@@ -137,6 +157,7 @@ SuspendedTiming::~SuspendedTiming()
 {
     Zorvan::detail::timeTracking.fetch_sub(oneSuspension);
     --s_ownSuspensions;
+    catchUpOnCalibration();
 }
 
 void clearTimes()
@@ -157,6 +178,8 @@ void forgetOtherThreadsLocks()
 {
     Zorvan::detail::timeTracking.store((Zorvan::detail::timeTracking.load() & switchedOn)
                                        + s_ownSuspensions * oneSuspension);
+    if (!isSuspended()) // later on a calibration would only lose measurements
+        moveCalibration(Calibration::deferred, Calibration::done);
     adoptRecordsInChild();
 }
 

@@ -19,7 +19,8 @@ int makeMethodId(const char *file, int line);
 void startMethod(unsigned id, const char *file, int line, const char *methodName);
 void endMethod(unsigned id);
 
-/// Switches measuring on (any value but 0) or off. The value 1 calibrates when it comes first. Nothing
+/// Switches measuring on (any value but 0) or off. The value 1 calibrates when it comes first, and
+/// forgets what was measured before; not before the end of the reports and clears in progress. Nothing
 /// happens without a running analyzer.
 void setTimeTracking(int state);
 /// Whether measuring is switched on.

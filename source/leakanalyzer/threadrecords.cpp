@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <map>
 #include <tuple>
+#include <utility>
 
 namespace Zorvan::analysis {
 
@@ -229,11 +230,16 @@ PairingFaults ThreadRecord::end(unsigned id, std::uint64_t stamp)
     return faults;
 }
 
-/// What the open methods are not to be charged with.
+/// What the open methods are not to be charged with. A recursive method is open at several depths, but is
+/// charged from one start only.
 void ThreadRecord::putOffOpenMethods(std::int64_t cycles)
 {
-    for (int depth = 1; depth <= m_depth; ++depth)
-        m_open[static_cast<std::size_t>(depth)]->startStamp += static_cast<std::uint64_t>(cycles);
+    ++m_lastPutOff;
+    for (int depth = 1; depth <= m_depth; ++depth) {
+        MethodStatistics &method = *m_open[static_cast<std::size_t>(depth)];
+        if (std::exchange(method.lastPutOff, m_lastPutOff) != m_lastPutOff)
+            method.startStamp += static_cast<std::uint64_t>(cycles);
+    }
 }
 
 MethodStatistics &ThreadRecord::enter(const MethodPosition &method, PairingFaults &faults)

@@ -23,6 +23,7 @@ struct MethodStatistics
     std::uint64_t startStamp = 0; ///< of the last start, plus what nested methods took; then of the last end
     std::int64_t totalCycles = 0; ///< without those of nested methods
     std::int64_t overheadCycles = 0; ///< what measuring cost
+    std::uint64_t lastPutOff = 0; ///< number of the last time that the start stamp was put off
 };
 
 /// A row of a report.
@@ -136,6 +137,7 @@ private:
     BriefLock m_lock;
     int m_depth ZORVAN_GUARDED_BY(m_lock) = 0;
     std::uint64_t m_thread ZORVAN_GUARDED_BY(m_lock) = 0;
+    std::uint64_t m_lastPutOff ZORVAN_GUARDED_BY(m_lock) = 0;
     MethodTable m_methods ZORVAN_GUARDED_BY(m_lock);
     // By depth. The first place serves the start that exceeds the maximum.
     std::array<MethodStatistics *, maximumDepth + 1> m_open ZORVAN_GUARDED_BY(m_lock) = {};

@@ -9,6 +9,7 @@
 #include <QString>
 
 #include <atomic>
+#include <exception>
 #include <string>
 
 namespace Zorvan {
@@ -85,11 +86,13 @@ int ask(DaemonLink &link, const QString &key, const std::string &text)
 }
 
 void logFailure(const QString &condition, const QString &message, const char *file, int line)
-{
+try {
     QByteArray text =
         QStringLiteral("++++ Debug Assertion Failed: %1;%2\n").arg(condition, message).toLocal8Bit();
     text.replace('\0', ' '); // it would end the line, without a line end
     gyxLog(nullptr, file, line, text.constData(), nullptr);
+} catch (const std::exception &) { // no memory for the texts
+    gyxLog(nullptr, file, line, "++++ Debug Assertion Failed\n", nullptr);
 }
 
 bool mayAsk()
@@ -102,17 +105,12 @@ QString positionText(const char *file, int line)
 {
     if (file == nullptr)
         return {};
-    return QStringLiteral("\n\nFile: %1\nLine: %2").arg(QString::fromUtf8(file), QString::number(line));
+    return QStringLiteral("\n\nFile: %1\nLine: %2").arg(QString::fromLatin1(file), QString::number(line));
 }
 
-} // namespace
-
-void gyxAssert(const QString &condition, const QString &message, const char *file, int line)
+/// What the user wants the program to do.
+int askUnlessSkipped(const QString &condition, const QString &message, const char *file, int line)
 {
-    const platform::ErrorNumberKept kept;
-    logFailure(condition, message, file, line);
-    if (!mayAsk())
-        return;
     // All conversions before the link is held: a warning of Qt's would want the system log, or more.
     const QString position = positionText(file, line);
     const QString key = condition + position;
@@ -120,8 +118,20 @@ void gyxAssert(const QString &condition, const QString &message, const char *fil
         QStringLiteral("Debug Assertion Failed!%1\n\nExpression: %2\n%3\n").arg(position, condition, message);
     const std::string bytes = text.toLatin1().toStdString();
     DaemonLink &link = daemonLink();
-    if (!isSkipped(link, key) && ask(link, key, bytes) == toAbort)
+    return isSkipped(link, key) ? noDecision : ask(link, key, bytes);
+}
+
+} // namespace
+
+// Without memory for the question the program goes on, as without a user.
+void gyxAssert(const QString &condition, const QString &message, const char *file, int line)
+try {
+    const platform::ErrorNumberKept kept;
+    logFailure(condition, message, file, line);
+    if (mayAsk() && askUnlessSkipped(condition, message, file, line) == toAbort)
         platform::endThisProcess();
+} catch (const std::exception &) {
+    return;
 }
 
 } // namespace Zorvan

@@ -2,6 +2,7 @@
 
 #include "lowlevelfunctions/argumentlessformat.h"
 #include "lowlevelfunctions/lowlevelproperties.h"
+#include "lowlevelfunctions/plaintext.h"
 #include "platform/clock.h"
 #include "platform/errornumber.h"
 #include "platform/files.h"
@@ -67,7 +68,9 @@ void simpleDebugMutex::write(const char *file, int line, const char *format, va_
     if (!m_fileOutput && !m_consoleOutput)
         return;
     beginLine(file, line);
+    const std::size_t begin = m_length;
     appendMessage(format, arguments);
+    blankNullCharacters(m_line.data() + begin, m_length - begin);
     output(switched);
 }
 

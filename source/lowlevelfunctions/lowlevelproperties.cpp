@@ -7,65 +7,118 @@
 
 #include <zorvan/debug.h>
 
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <cstdint>
+#include <exception>
 #include <string>
 
 namespace Zorvan {
 
 namespace {
 
-/// The ten values, read from their file once and written to it at every change.
+/// The ten values, read from their file once and written to it at every change. Readers take no lock once
+/// they are there: a host's own operator new may ask for them, also while the file is read or written here.
 class PropertyTable
 {
 public:
     platform::Mutex &mutex() ZORVAN_RETURN_CAPABILITY(m_mutex) { return m_mutex; }
 
-    void load() ZORVAN_REQUIRES(m_mutex);
-    [[nodiscard]] int value(std::size_t id) const ZORVAN_REQUIRES(m_mutex) { return m_values[id]; }
-    void store(std::size_t id, int value) ZORVAN_REQUIRES(m_mutex);
+    [[nodiscard]] int value(std::size_t id);
+    void store(std::size_t id, int value) ZORVAN_EXCLUDES(m_mutex);
+    void ensureLoaded() ZORVAN_EXCLUDES(m_mutex);
 
 private:
-    static std::string path()
-    {
-        return platform::programDataFolder() + platform::pathSeparator + "DebugServerLowlevelSettings.cfg";
-    }
+    void load() ZORVAN_REQUIRES(m_mutex);
+    void readFile() ZORVAN_REQUIRES(m_mutex);
     void writeFile() const ZORVAN_REQUIRES(m_mutex);
+    [[nodiscard]] PropertyValues values() const;
+    void setValues(const PropertyValues &values);
 
     platform::Mutex m_mutex;
-    bool m_loaded ZORVAN_GUARDED_BY(m_mutex) = false;
-    PropertyValues m_values ZORVAN_GUARDED_BY(m_mutex){};
+    std::atomic<bool> m_isLoaded{false};
+    std::atomic<std::uint64_t> m_loader{0}; // the thread, while it loads
+    std::array<std::atomic<int>, propertyCount> m_values{};
 };
 
-void PropertyTable::load()
+/// Trivially destroyed and there before any constructor runs: asked from the first to the last static object.
+PropertyTable s_table;
+
+std::string path()
 {
-    if (m_loaded)
-        return;
-    m_loaded = true;
-    m_values = initialPropertyValues();
-    std::string content;
-    if (platform::readFileStart(path().c_str(), propertiesFileLimit, content))
-        parseProperties(content, m_values);
-    else if (!platform::fileExists(path().c_str())) // one that cannot be read is left as it is
-        writeFile();
+    return platform::programDataFolder() + platform::pathSeparator + "DebugServerLowlevelSettings.cfg";
+}
+
+int PropertyTable::value(std::size_t id)
+{
+    ensureLoaded();
+    return m_values[id].load(std::memory_order_relaxed);
 }
 
 void PropertyTable::store(std::size_t id, int value)
 {
-    if (m_values[id] == value)
+    ensureLoaded();
+    const platform::Locked guard(m_mutex);
+    if (m_values[id].exchange(value, std::memory_order_relaxed) != value)
+        writeFile();
+}
+
+/// Whoever comes back to this from loading gets the initial values.
+void PropertyTable::ensureLoaded()
+{
+    if (m_isLoaded.load(std::memory_order_acquire) || m_loader.load() == platform::kernelThreadId())
         return;
-    m_values[id] = value;
-    writeFile();
+    const platform::Locked guard(m_mutex);
+    if (!m_isLoaded.load(std::memory_order_relaxed))
+        load();
 }
 
+void PropertyTable::load()
+{
+    setValues(initialPropertyValues());
+    m_loader.store(platform::kernelThreadId());
+    readFile();
+    m_isLoaded.store(true, std::memory_order_release);
+    m_loader.store(0);
+}
+
+/// Without memory for it the initial values stay.
+void PropertyTable::readFile()
+try {
+    PropertyValues read = values();
+    std::string content;
+    if (platform::readFileStart(path().c_str(), propertiesFileLimit, content)) {
+        parseProperties(content, read);
+        setValues(read);
+    } else if (!platform::fileExists(path().c_str())) { // one that cannot be read is left as it is
+        writeFile();
+    }
+} catch (const std::exception &) {
+    return;
+}
+
+/// Without memory for it the values live in memory only, as on a disk that refuses them.
 void PropertyTable::writeFile() const
-{
+try {
     platform::makeProgramDataFolder();
-    platform::replaceFile(path().c_str(), propertiesText(m_values));
+    platform::replaceFile(path().c_str(), propertiesText(values()));
+} catch (const std::exception &) {
+    return;
 }
 
-PropertyTable &propertyTable()
+PropertyValues PropertyTable::values() const
 {
-    static auto *table = new PropertyTable; // never destroyed: read until the last static destructor has run
-    return *table;
+    PropertyValues copied{};
+    std::transform(m_values.begin(), m_values.end(), copied.begin(),
+                   [](const std::atomic<int> &value) { return value.load(std::memory_order_relaxed); });
+    return copied;
+}
+
+void PropertyTable::setValues(const PropertyValues &values)
+{
+    for (std::size_t id = 0; id < propertyCount; ++id)
+        m_values[id].store(values[id], std::memory_order_relaxed);
 }
 
 bool isPropertyId(int id)
@@ -79,21 +132,14 @@ int getLowlevelIntegerProperty(int id, int defaultValue)
 {
     if (!isPropertyId(id))
         return defaultValue;
-    PropertyTable &table = propertyTable();
-    const platform::Locked guard(table.mutex());
-    table.load();
-    const int value = table.value(static_cast<std::size_t>(id));
+    const int value = s_table.value(static_cast<std::size_t>(id));
     return value == propertyNotSet ? defaultValue : value;
 }
 
 void setLowlevelIntegerProperty(int id, int value)
 {
-    if (!isPropertyId(id))
-        return;
-    PropertyTable &table = propertyTable();
-    const platform::Locked guard(table.mutex());
-    table.load();
-    table.store(static_cast<std::size_t>(id), value);
+    if (isPropertyId(id))
+        s_table.store(static_cast<std::size_t>(id), value);
 }
 
 int lowlevelProperty(LowlevelProperty property, int defaultValue)
@@ -103,19 +149,17 @@ int lowlevelProperty(LowlevelProperty property, int defaultValue)
 
 void loadLowlevelProperties()
 {
-    PropertyTable &table = propertyTable();
-    const platform::Locked guard(table.mutex());
-    table.load();
+    s_table.ensureLoaded();
 }
 
 void holdLowlevelProperties() ZORVAN_NO_THREAD_SAFETY_ANALYSIS
 {
-    propertyTable().mutex().lock();
+    s_table.mutex().lock();
 }
 
 void releaseLowlevelProperties() ZORVAN_NO_THREAD_SAFETY_ANALYSIS
 {
-    propertyTable().mutex().unlock();
+    s_table.mutex().unlock();
 }
 
 } // namespace Zorvan

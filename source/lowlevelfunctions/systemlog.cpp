@@ -11,6 +11,7 @@
 #include <zorvan/debug.h>
 
 #include <atomic>
+#include <exception>
 #include <map>
 #include <memory>
 
@@ -48,10 +49,11 @@ std::shared_ptr<simpleDebugMutex> ChannelTable::channel(const char *tag)
 {
     const std::uint64_t hash = tagHash(tag);
     const platform::Locked guard(m_mutex);
-    std::shared_ptr<simpleDebugMutex> &entry = m_channels[hash];
-    if (!entry)
-        entry = std::make_shared<simpleDebugMutex>(tag);
-    return entry;
+    if (const auto found = m_channels.find(hash); found != m_channels.end())
+        return found->second;
+    auto made = std::make_shared<simpleDebugMutex>(tag); // first: an entry is never without its channel
+    m_channels.emplace(hash, made);
+    return made;
 }
 
 void ChannelTable::dropChannels()
@@ -107,8 +109,9 @@ void releaseLowlevelLocks()
 
 } // namespace
 
+// Without memory the message is lost: the caller may be a destructor or a handler of Qt.
 void gyxLog(const char *tag, const char *file, int line, const char *format, va_list *arguments)
-{
+try {
     const platform::ErrorNumberKept kept;
     if (s_closed.load(std::memory_order_relaxed)) {
         appendDuringShutdown(format, arguments);
@@ -117,6 +120,8 @@ void gyxLog(const char *tag, const char *file, int line, const char *format, va_
     const std::shared_ptr<simpleDebugMutex> channel = channelTable().channel(tag);
     kept.restore(); // "%m" prints the caller's, not that of a channel being made
     channel->write(file, line, format, arguments);
+} catch (const std::exception &) {
+    return;
 }
 
 void gyxLog(const char *file, int line, const char *format, ...)

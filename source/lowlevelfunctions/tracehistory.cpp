@@ -1,6 +1,7 @@
 #include "lowlevelfunctions/tracehistory.h"
 
 #include "lowlevelfunctions/argumentlessformat.h"
+#include "lowlevelfunctions/plaintext.h"
 #include "platform/clock.h"
 #include "platform/errornumber.h"
 #include "platform/files.h"
@@ -42,6 +43,7 @@ public:
     }
 
     void appendMessage(const char *format, va_list *arguments);
+    void appendFormatted(const char *format, va_list *arguments);
     void appendPosition(const char *file, int line);
     /// Ends a line that has no end anywhere, not even within its message.
     void end();
@@ -80,8 +82,15 @@ void TraceLine::appendThread()
     append({digits + first, sizeof digits - first});
 }
 
-/// A message that cannot be formatted is shown as its format.
 void TraceLine::appendMessage(const char *format, va_list *arguments)
+{
+    const std::size_t begin = m_length;
+    appendFormatted(format, arguments);
+    blankNullCharacters(m_text + begin, m_length - begin);
+}
+
+/// A message that cannot be formatted is shown as its format.
+void TraceLine::appendFormatted(const char *format, va_list *arguments)
 {
     const std::size_t room = limit - m_length;
     if (arguments == nullptr) {

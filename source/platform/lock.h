@@ -26,6 +26,7 @@
 #include <condition_variable>
 #include <cstdint>
 #include <mutex>
+#include <new>
 #include <thread>
 #include <utility>
 
@@ -167,6 +168,9 @@ public:
     bool waitFor(Mutex &mutex, std::chrono::milliseconds limit) ZORVAN_REQUIRES(mutex);
     void wakeOne() { m_condition.notify_one(); }
     void wakeAll() { m_condition.notify_all(); }
+    /// Call in the child of a fork(), with the mutex held over it: waking waiters that are not there would
+    /// wait for them, and so would the destructor of what they waited for.
+    void forgetWaiters() { new (&m_condition) std::condition_variable; }
 
 private:
     std::condition_variable m_condition;

@@ -10,6 +10,7 @@
 #include <pthread.h>
 #include <sstream>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 namespace Zorvan::platform {
@@ -127,7 +128,8 @@ bool isProcessRunning(const char *part)
 
 // The program is started by a child that ends at once, so that the system's first process adopts and collects
 // it. _Fork() leaves out the host's fork handlers: they may wait for locks, and the child does nothing that
-// needs them.
+// needs them. It ends by the system call itself, for the same reason: ThreadSanitizer takes locks in _exit().
+// Files that others may write are not trusted: the program makes none, whatever the host's mask is.
 bool startDetached(const std::string &program, const std::vector<std::string> &arguments)
 {
     constexpr int notStarted = 1;
@@ -143,8 +145,10 @@ bool startDetached(const std::string &program, const std::vector<std::string> &a
 
     const AllSignalsBlocked blocked;
     const pid_t child = _Fork();
-    if (child == 0)
-        _exit(settings.spawn(path.c_str(), pointers.data()) > 0 ? 0 : notStarted);
+    if (child == 0) {
+        umask(umask(S_IWGRP | S_IWOTH) | S_IWGRP | S_IWOTH);
+        syscall(SYS_exit_group, settings.spawn(path.c_str(), pointers.data()) > 0 ? 0 : notStarted);
+    }
     return child > 0 && waitForEnd(child) != notStarted;
 }
 

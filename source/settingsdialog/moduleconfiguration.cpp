@@ -4,6 +4,7 @@
 #include "host/modulenames.h"
 #include "host/normalizedname.h"
 #include "host/tablestate.h"
+#include "settingsdialog/writtenfile.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -114,7 +115,7 @@ void apply(QIODevice &device)
 
 bool save(const QString &path)
 {
-    if (QFileInfo::exists(path) && !QFileInfo(path).isFile()) // opening a pipe waits for somebody else
+    if (!canBeWritten(path))
         return false;
     QSaveFile file(path); // a disk that is full leaves the old file as it was
     file.setDirectWriteFallback(true); // the file may be writable in a folder that is not

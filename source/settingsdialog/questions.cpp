@@ -43,7 +43,7 @@ std::optional<QString> askForFile(QWidget *parent, const FileQuestion &question)
         runDialog(dialog, [](const QFileDialog &accepted) { return accepted.selectedFiles().value(0); });
     const QString end = QLatin1Char('.') + question.suffix;
     const bool isOther = path && !path->isEmpty() && isWritten && !question.suffix.isEmpty()
-        && !path->endsWith(end, Qt::CaseInsensitive); // the dialog has asked about another file
+        && !path->endsWith(end, question.suffixCase); // the dialog has asked about another file
     if (!isOther)
         return path;
     *path += end;

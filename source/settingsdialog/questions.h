@@ -17,6 +17,7 @@ struct FileQuestion
     QString filter; ///< as in QFileDialog
     QFileDialog::AcceptMode mode = QFileDialog::AcceptOpen; ///< an existing file, or one to be written
     QString suffix{}; ///< appended to the name of a file to be written, if it does not have it
+    Qt::CaseSensitivity suffixCase = Qt::CaseInsensitive; ///< how it is looked for there
     QString folder{}; ///< where to begin; empty: the working directory
     QString name{}; ///< a file in it that is proposed
 };

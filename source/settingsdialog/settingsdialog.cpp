@@ -11,7 +11,6 @@
 #include "ui_configdialog.h"
 
 #include <QCoreApplication>
-#include <QPointer>
 
 namespace Zorvan {
 
@@ -22,9 +21,9 @@ constexpr const char *levelHook = "DebugServerEnabledLevelChangedHook";
 constexpr const char *settingsHook = "DebugServerSettingsChangedHook";
 constexpr const char *filterHook = "DebugServerFilterChangedHook";
 
-void activate(const char *hook, moduleId module)
+bool isFlagSet(unsigned flag)
 {
-    Debug::activateHooks(hook, QByteArray::number(module).constData());
+    return (static_cast<unsigned>(Debug::getDisplayFlags()) & flag) != 0;
 }
 
 /// A list that shows the texts already keeps its scroll position.
@@ -76,6 +75,32 @@ private:
     const bool m_before;
 };
 
+SettingsDialog::Change::Change(SettingsDialog &dialog, moduleId module)
+    : m_dialog(&dialog)
+    , m_module(module)
+    , m_ends(TableState::ends())
+{}
+
+bool SettingsDialog::Change::goesOn() const
+{
+    return TableState::ends() == m_ends;
+}
+
+void SettingsDialog::Change::announce(const char *hook) const
+{
+    if (goesOn())
+        Debug::activateHooks(hook, QByteArray::number(m_module).constData());
+    if (m_dialog)
+        m_dialog->refresh();
+}
+
+void SettingsDialog::Change::announceLater(const char *hook) const
+{
+    QMetaObject::invokeMethod(
+        QCoreApplication::instance(), [change = *this, hook] { change.announce(hook); },
+        Qt::QueuedConnection);
+}
+
 SettingsDialog::SettingsDialog(QWidget *parent)
     : QDialog(parent)
     , m_form(std::make_unique<Ui_configdialog>())
@@ -108,17 +133,25 @@ void SettingsDialog::connectLists()
 
 void SettingsDialog::connectGlobals()
 {
-    const std::pair<const QCheckBox *, void (SettingsDialog::*)()> checks[] = {
-        {m_form->fileOutputCheck, &SettingsDialog::fileOutputChanged},
-        {m_form->consoleCheck, &SettingsDialog::consoleChanged},
-        {m_form->assertionCheck, &SettingsDialog::assertChanged},
-        {m_form->timeCheck, &SettingsDialog::timeChanged},
-        {m_form->threadCheck, &SettingsDialog::threadChanged},
-        {m_form->moduleCheck, &SettingsDialog::moduleInfoChanged},
-        {m_form->clearCheck, &SettingsDialog::clearChanged},
+    const struct
+    {
+        const QCheckBox *check;
+        displayflags::Flag flag;
+        void (SettingsDialog::*slot)();
+    } checks[] = {
+        {m_form->fileOutputCheck, displayflags::fileOutput, &SettingsDialog::fileOutputChanged},
+        {m_form->consoleCheck, displayflags::consoleOutput, &SettingsDialog::consoleChanged},
+        {m_form->assertionCheck, displayflags::throwAssertion, &SettingsDialog::assertChanged},
+        {m_form->timeCheck, displayflags::timeStamp, &SettingsDialog::timeChanged},
+        {m_form->threadCheck, displayflags::threadId, &SettingsDialog::threadChanged},
+        {m_form->moduleCheck, displayflags::moduleName, &SettingsDialog::moduleInfoChanged},
+        {m_form->clearCheck, displayflags::allowProgrammaticClear, &SettingsDialog::clearChanged},
     };
-    for (const auto &[check, slot] : checks)
-        connect(check, &QCheckBox::clicked, this, slot); // a slot of toggled() must not delete the box
+    for (const auto &each : checks) {
+        connect(each.check, &QCheckBox::clicked, this, each.slot);
+        connect(each.check, &QCheckBox::toggled, this,
+                [this, each] { applyLater(*each.check, each.flag, each.slot); });
+    }
     connect(m_form->fileOutputCheck, &QCheckBox::customContextMenuRequested, this,
             &SettingsDialog::fileContextMenuRequested);
     connect(filterButton(), &QPushButton::clicked, this, &SettingsDialog::setFilter);
@@ -168,9 +201,21 @@ void SettingsDialog::showFlags()
         {m_form->moduleCheck, displayflags::moduleName},
         {m_form->clearCheck, displayflags::allowProgrammaticClear},
     };
-    const auto flags = static_cast<unsigned>(Debug::getDisplayFlags());
     for (const auto &[check, flag] : checks)
-        check->setChecked((flags & flag) != 0);
+        check->setChecked(isFlagSet(flag));
+}
+
+/// A screen reader toggles without a click. Later, as a slot of toggled() must not delete the box.
+void SettingsDialog::applyLater(const QCheckBox &check, unsigned flag, void (SettingsDialog::*slot)())
+{
+    if (m_isUpdating)
+        return;
+    const auto apply = [kept = QPointer<SettingsDialog>(this), &check, flag, slot,
+                        ends = TableState::ends()] {
+        if (kept && TableState::ends() == ends && check.isChecked() != isFlagSet(flag))
+            (kept->*slot)();
+    };
+    QMetaObject::invokeMethod(QCoreApplication::instance(), apply, Qt::QueuedConnection);
 }
 
 void SettingsDialog::showModule()
@@ -214,59 +259,34 @@ void SettingsDialog::classItemChangedSlot(QListWidgetItem *item)
     const int cls = m_form->classesList->row(item);
     if (m_isUpdating || cls < 0) // -1 would be all classes
         return;
-    const QPointer<SettingsDialog> kept(this);
     const moduleId module = m_module;
+    const Change change(*this, module);
     if (item->checkState() == Qt::Checked)
         Debug::enableMessageClassType(module, cls);
     else
         Debug::disableMessageClassType(module, cls);
-    if (kept)
-        announceLater(classesHook, module);
+    change.announceLater(classesHook);
 }
 
 void SettingsDialog::levelChangedSlot(int index)
 {
     if (m_isUpdating || index < 0)
         return;
-    const QPointer<SettingsDialog> kept(this);
-    const moduleId module = m_module;
-    Debug::setClippingLevel(module, index - 1);
-    if (kept)
-        announceLater(levelHook, module);
-}
-
-void SettingsDialog::announceLater(const char *hook, moduleId module)
-{
-    const auto announceIt = [kept = QPointer<SettingsDialog>(this), hook, module] {
-        if (kept)
-            kept->announce(hook, module);
-        else // the change is there, also without a dialog
-            activate(hook, module);
-    };
-    QMetaObject::invokeMethod(QCoreApplication::instance(), announceIt, Qt::QueuedConnection);
-}
-
-/// Shows afterwards what has come of it: handlers may change more, and the library may have refused.
-void SettingsDialog::announce(const char *hook, moduleId module)
-{
-    const QPointer<SettingsDialog> kept(this);
-    activate(hook, module);
-    if (kept)
-        kept->refresh();
+    const Change change(*this, m_module);
+    Debug::setClippingLevel(m_module, index - 1);
+    change.announceLater(levelHook);
 }
 
 void SettingsDialog::setFlag(int command)
 {
-    const QPointer<SettingsDialog> kept(this);
+    const Change change(*this, m_module);
     Debug::setDisplayFlags(command);
-    if (kept)
-        announce(settingsHook, m_module);
+    change.announce(settingsHook);
 }
 
 void SettingsDialog::toggleFlag(unsigned flag, int setCommand)
 {
-    const bool isSet = (static_cast<unsigned>(Debug::getDisplayFlags()) & flag) != 0;
-    setFlag(isSet ? setCommand - 1 : setCommand);
+    setFlag(isFlagSet(flag) ? setCommand - 1 : setCommand);
 }
 
 void SettingsDialog::fileOutputChanged()
@@ -306,19 +326,18 @@ void SettingsDialog::clearChanged()
 
 void SettingsDialog::enableAllClasses(moduleId module, bool enabled)
 {
-    const QPointer<SettingsDialog> kept(this);
-    setAllClasses(module, enabled);
-    if (kept)
-        announce(classesHook, module);
+    const Change change(*this, module);
+    setAllClasses(module, enabled, change);
+    change.announce(classesHook);
 }
 
-void SettingsDialog::setAllClasses(moduleId module, bool enabled)
+void SettingsDialog::setAllClasses(moduleId module, bool enabled, const Change &change)
 {
     const Updating updating(*this);
     const QPointer<SettingsDialog> kept(this);
     const auto wanted = enabled ? Qt::Checked : Qt::Unchecked;
     showClasses(); // others may have switched some
-    for (int cls = 0; kept && cls < m_form->classesList->count(); ++cls) {
+    for (int cls = 0; kept && change.goesOn() && cls < m_form->classesList->count(); ++cls) {
         QListWidgetItem &item = *m_form->classesList->item(cls);
         if (item.checkState() == wanted)
             continue;
@@ -337,9 +356,9 @@ void SettingsDialog::makeDefault()
 
 void SettingsDialog::setFilter()
 {
-    const unsigned ends = TableState::ends();
-    if (editOutputFilter(this) && TableState::ends() == ends)
-        announce(filterHook, m_module);
+    const Change change(*this, m_module);
+    if (editOutputFilter(this))
+        change.announce(filterHook);
 }
 
 void SettingsDialog::accept()

@@ -3,10 +3,12 @@
 #include <zorvan/debug.h>
 
 #include <QDialog>
+#include <QPointer>
 
 #include <functional>
 #include <memory>
 
+class QCheckBox;
 class QListWidgetItem;
 class QMenu;
 class QPushButton;
@@ -73,18 +75,34 @@ protected:
 private:
     class Updating;
 
+    /// A change that its user makes, from before it is made. Its hook comes also if the dialog goes
+    /// meanwhile, but not in the next run of the library.
+    class Change
+    {
+    public:
+        Change(SettingsDialog &dialog, moduleId module);
+        [[nodiscard]] bool goesOn() const;
+        /// Shows afterwards what has come of it: handlers may change more, and the library may have refused.
+        void announce(const char *hook) const;
+        void announceLater(const char *hook) const;
+
+    private:
+        const QPointer<SettingsDialog> m_dialog;
+        const moduleId m_module;
+        const unsigned m_ends;
+    };
+
     void connectLists();
     void connectGlobals();
     void showFlags();
     void showModule();
     void showClasses();
     void showLevel();
-    void announce(const char *hook, moduleId module);
-    void announceLater(const char *hook, moduleId module);
+    void applyLater(const QCheckBox &check, unsigned flag, void (SettingsDialog::*slot)());
     void setFlag(int command);
     void toggleFlag(unsigned flag, int setCommand);
     void enableAllClasses(moduleId module, bool enabled);
-    void setAllClasses(moduleId module, bool enabled);
+    void setAllClasses(moduleId module, bool enabled, const Change &change);
 
     /// Returns the chosen entry's data; 0 if there is none, or if the dialog is gone.
     int chosenFrom(const QPoint &globalPosition, const std::function<void(QMenu &)> &fill);

@@ -208,8 +208,12 @@ void SettingsDialog::loadSettings()
     const QString path = questions::askForFile(this, question).value_or(QString());
     if (path.isEmpty() || TableState::ends() != ends)
         return;
-    if (moduleconfiguration::load(path) && kept && TableState::ends() == ends)
-        announce("DebugServerEnabledClassesChangedHook", m_module);
+    const Change change(*this, m_module);
+    if (!moduleconfiguration::load(path))
+        return;
+    if (kept)
+        refresh(); // a handler finds what was loaded
+    change.announce("DebugServerEnabledClassesChangedHook");
 }
 
 } // namespace Zorvan

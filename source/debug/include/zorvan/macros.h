@@ -279,7 +279,7 @@ inline std::uint64_t steadyMilliseconds()
 template <typename Text>
 void assertionFailed(const char *condition, const char *file, int line, const Text &message)
 {
-    const QString doubled = QString::fromUtf8(condition).replace(QLatin1Char('%'), QLatin1String("%%"));
+    const QString doubled = QString::fromLatin1(condition).replace(QLatin1Char('%'), QLatin1String("%%"));
     gyxAssert(doubled, toText(message), file, line);
 }
 
