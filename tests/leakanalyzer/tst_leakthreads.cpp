@@ -1,4 +1,6 @@
 #include "leakrecorder.h"
+#include "support/crew.h"
+#include "support/forks.h"
 
 #include <atomic>
 #include <sys/wait.h>
@@ -79,26 +81,25 @@ TEST_F(LeakTest, reportsClearsAndSwitchesDoNotDisturbThreadsThatAllocate)
 TEST_F(LeakTest, childOfAForkTracksOn)
 {
     std::atomic<bool> done = false;
-    int failed = 0;
-    inThreads([&](int number) {
-        while (number > 0 && !done)
-            freeBlock(analysis::allocate(24, "busy.cpp", number, number == 1));
-        for (int i = 0; number == 0 && i < 10; ++i) {
-            const pid_t child = fork();
-            if (child == 0) {
-                alarm(60); // ends a child that hangs
-                freeBlock(analysis::allocate(8, "child.cpp", 1, true));
-                LeakRecorder recorder;
-                leak(8, "child.cpp", 2);
-                _exit(recorder.leaks("child.cpp") == Lines{"child.cpp:2 8 x 1"} ? 0 : 1);
-            }
-            int status = -1;
-            waitpid(child, &status, 0);
-            failed += status == 0 ? 0 : 1;
-        }
-        done = done || number == 0;
+    ForksAmidWork forks;
+    const Crew busy(2, [&](int number) {
+        while (!done)
+            forks.turn([number] { freeBlock(analysis::allocate(24, "busy.cpp", number, number == 1)); });
     });
-    EXPECT_EQ(failed, 0);
+    for (int i = 0; i < 10; ++i) {
+        const pid_t child = forks.fork();
+        if (child == 0) {
+            alarm(60); // ends a child that hangs
+            freeBlock(analysis::allocate(8, "child.cpp", 1, true));
+            LeakRecorder recorder;
+            leak(8, "child.cpp", 2);
+            _exit(recorder.leaks("child.cpp") == Lines{"child.cpp:2 8 x 1"} ? 0 : 1);
+        }
+        int status = -1;
+        waitpid(child, &status, 0);
+        EXPECT_EQ(status, 0);
+    }
+    done = true;
 }
 
 } // namespace

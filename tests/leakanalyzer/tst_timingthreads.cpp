@@ -1,5 +1,6 @@
 #include "leakanalyzer/insideanalyzer.h"
 #include "leakanalyzer/timesrecorder.h"
+#include "support/forks.h"
 
 #include <zorvan/analysis.h>
 
@@ -148,15 +149,18 @@ void expectSuccess(pid_t child)
 TEST_F(TimingThreads, childOfAForkMeasuresWhateverOtherThreadsWereDoing)
 {
     std::atomic<bool> stop = false;
+    ForksAmidWork forks;
     std::thread busy([&] {
         while (!stop) {
-            measureMethods(50);
-            analysis::clearTimes();
-            analysis::dumpTimes(nullptr, nullptr);
+            forks.turn([] {
+                measureMethods(50);
+                analysis::clearTimes();
+                analysis::dumpTimes(nullptr, nullptr);
+            });
         }
     });
     for (int round = 0; round < 20; ++round) {
-        const pid_t child = fork();
+        const pid_t child = forks.fork();
         if (child == 0) {
             alarm(60); // ends a child that hangs
             if (!analysis::isTimeTracked())

@@ -1,6 +1,7 @@
 #include "lowlevelfunctions/loglines.h"
 #include "support/childprocess.h"
 #include "support/crew.h"
+#include "support/forks.h"
 
 #include <zorvan/debug.h>
 
@@ -86,17 +87,20 @@ TEST(SystemLogProcesses, childAndParentLogOnAfterAForkAmidLogging)
 {
     constexpr int children = 20;
     std::atomic<bool> done = false;
+    ForksAmidWork forks;
     int lines[2] = {0, 0};
     inThreads(3, [&](int thread) {
         if (thread < 2) {
             for (; !done && lines[thread] < 4000; ++lines[thread]) {
-                logLine("Fork", std::to_string(thread), lines[thread]);
-                setLowlevelIntegerProperty(thread, lines[thread] / 16);
+                forks.turn([&] {
+                    logLine("Fork", std::to_string(thread), lines[thread]);
+                    setLowlevelIntegerProperty(thread, lines[thread] / 16);
+                });
             }
             return;
         }
         for (int number = 0; number < children; ++number) {
-            const pid_t child = fork();
+            const pid_t child = forks.fork();
             if (child == 0) {
                 alarm(60); // ends a child that hangs
                 logLine("Fork", "child", number);

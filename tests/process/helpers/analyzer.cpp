@@ -8,6 +8,8 @@
 //   forks                      uses the tools in children, while other threads use them in the parent
 // With ANALYZER_STATICS in the environment a static object does so in its constructor and destructor, too.
 
+#include "support/forks.h"
+
 #include <zorvan/debug.h>
 #include <zorvan/exports.h>
 
@@ -51,11 +53,11 @@ void work()
     xfree(xmalloc(100, "work.cpp", 13), "work.cpp", 14);
 }
 
-int forkOftenFromAThreadWithoutMeasurements()
+int forkOftenFromAThreadWithoutMeasurements(Zorvan::test::ForksAmidWork &forks)
 {
     int failures = 0;
     for (int i = 0; i < 30; ++i) {
-        const pid_t child = fork();
+        const pid_t child = forks.fork();
         if (child == 0) {
             work();
             dumpTimes("", "");
@@ -82,24 +84,30 @@ void measureManyMethods()
 void forkWhileOthersWork()
 {
     std::atomic<bool> done{false};
+    Zorvan::test::ForksAmidWork forks;
     std::vector<std::thread> workers;
+    workers.reserve(3);
     for (int i = 0; i < 2; ++i) {
-        workers.emplace_back([&done] {
+        workers.emplace_back([&] {
             while (!done) {
-                const methodTracker tracker("thread.cpp", 1, "thread");
-                release(alloc(32, "thread.cpp", 2, false, false));
-                Zorvan::logHistory("thread.cpp", 3, "in %s", "thread");
+                forks.turn([] {
+                    const methodTracker tracker("thread.cpp", 1, "thread");
+                    release(alloc(32, "thread.cpp", 2, false, false));
+                    Zorvan::logHistory("thread.cpp", 3, "in %s", "thread");
+                });
             }
         });
     }
-    workers.emplace_back([&done] { // threads that end, and leave their records to others
+    workers.emplace_back([&] { // threads that end, and leave their records to others
         while (!done) {
-            std::thread(measureManyMethods).join();
-            clearTimesInfo();
+            forks.turn([] {
+                std::thread(measureManyMethods).join();
+                clearTimesInfo();
+            });
         }
     });
     int failures = 0;
-    std::thread([&failures] { failures = forkOftenFromAThreadWithoutMeasurements(); }).join();
+    std::thread([&] { failures = forkOftenFromAThreadWithoutMeasurements(forks); }).join();
     done = true;
     for (std::thread &worker : workers)
         worker.join();

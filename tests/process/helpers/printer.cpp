@@ -1,6 +1,7 @@
 // A host that prints as its first argument says. Output lines go to the file and to standard output.
 
 #include "support/crew.h"
+#include "support/forks.h"
 
 #include <zorvan/debug.h>
 
@@ -38,18 +39,21 @@ void printWhenTold(const char *name, int count)
 }
 
 /// Forks again and again while other threads print and log; each child prints and logs one line.
-void printFromForks(int forks)
+void printFromForks(int count)
 {
     print(QStringLiteral("parent")); // begins the run: a child would begin it once more
     std::atomic<bool> done{false};
-    const Zorvan::test::Crew printers(3, [&done](int) {
+    Zorvan::test::ForksAmidWork forks;
+    const Zorvan::test::Crew printers(3, [&](int) {
         while (!done) {
-            print(QStringLiteral("parent"));
-            Zorvan::gyxLog(nullptr, 0, "parent %d\n", 1);
+            forks.turn([] {
+                print(QStringLiteral("parent"));
+                Zorvan::gyxLog(nullptr, 0, "parent %d\n", 1);
+            });
         }
     });
-    for (int i = 0; i < forks; ++i) {
-        const pid_t child = fork();
+    for (int i = 0; i < count; ++i) {
+        const pid_t child = forks.fork();
         if (child == 0) {
             print(QStringLiteral("child %1").arg(i));
             Zorvan::gyxLog(nullptr, 0, "child %d\n", i);

@@ -3,6 +3,8 @@
 //   forks         forks with and without trace points, while another thread stores properties
 //   nomemory      uses the analysis tools when operator new has no more memory to give
 
+#include "support/forks.h"
+
 #include <zorvan/debug.h>
 #include <zorvan/exports.h>
 
@@ -58,9 +60,11 @@ public:
     char last[600] = {};
 };
 
+Zorvan::test::ForksAmidWork s_forks;
+
 int forkAndWork()
 {
-    const pid_t child = fork();
+    const pid_t child = s_forks.fork();
     if (child == 0) {
         Zorvan::logHistory("child.cpp", 1, "in a child");
         const std::string text(100, 'x');
@@ -77,7 +81,7 @@ void forkWhilePropertiesAreStored()
     std::atomic<bool> done{false};
     std::thread writer([&done] {
         for (int value = 0; !done; ++value)
-            Zorvan::setLowlevelIntegerProperty(7, value % 2);
+            s_forks.turn([value] { Zorvan::setLowlevelIntegerProperty(7, value % 2); });
     });
     for (int i = 0; i < 20; ++i) {
         Zorvan::logHistory("host.cpp", 4, "fork %d", i);
