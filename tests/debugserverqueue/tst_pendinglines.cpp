@@ -144,13 +144,14 @@ TEST_F(Batches, WaitLongerTheLongerTheyAre)
     const milliseconds longDelay = delayOf(10000);
     EXPECT_GE(longDelay, milliseconds(180));
     EXPECT_LT(longDelay, milliseconds(1800));
-    print(250);
-    QCoreApplication::sendPostedEvents();
-    print(10000); // the delay is that of the first moment
-    const auto start = steady_clock::now();
-    while (guibridge::waitingLines() > 0)
-        QCoreApplication::processEvents();
-    EXPECT_LT(steady_clock::now() - start, milliseconds(180));
+    milliseconds ofTheFirstMoment = longDelay;
+    for (int tries = 0; tries < 5 && ofTheFirstMoment >= milliseconds(180);
+         ++tries) { // others may need the processor
+        print(250);
+        QCoreApplication::sendPostedEvents();
+        ofTheFirstMoment = delayOf(10000);
+    }
+    EXPECT_LT(ofTheFirstMoment, milliseconds(180));
 }
 
 } // namespace

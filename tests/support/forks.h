@@ -2,7 +2,7 @@
 
 #include <unistd.h>
 
-#if defined(__SANITIZE_ADDRESS__)
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 #include <atomic>
 #include <mutex>
 #include <shared_mutex>
@@ -11,10 +11,10 @@
 
 namespace Zorvan::test {
 
-#if defined(__SANITIZE_ADDRESS__)
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 
-/// AddressSanitizer's allocator does not survive a fork() amid another thread's allocation: the child may
-/// wait for ever for a lock whose owner is not there. With it, the other threads stand between two turns
+/// The sanitizers' allocators do not survive a fork() amid another thread's allocation: the child may wait
+/// for ever for a lock whose owner is not there. With them, the other threads stand between two turns
 /// meanwhile.
 class ForksAmidWork
 {
