@@ -92,6 +92,17 @@ TEST_F(DaemonLinkFaults, ADaemonThatIgnoresTheExitIsLeftAfterOneSecond)
     EXPECT_TRUE(receives("<exit/>"));
 }
 
+TEST_F(DaemonLinkFaults, WhoWaitsForAnAnswerLeavesAtTheEndEvenIfTheDaemonStays)
+{
+    m_answers.set("silent");
+    m_habits.set("clinging");
+    ASSERT_TRUE(setUp());
+    std::thread waiting([&] { EXPECT_EQ(ask(), DaemonLink::noAnswer); });
+    EXPECT_TRUE(receives(question));
+    m_link.finish();
+    waiting.join();
+}
+
 TEST_F(DaemonLinkFaults, AnEndDuringTheSetUpLeavesNoConnection)
 {
     m_link.finish(); // one before the set-up changes nothing
