@@ -16,10 +16,11 @@ constexpr int mostEntries = 1000;
 bool OutputFilter::setPattern(const QString &pattern)
 {
     m_pattern = pattern;
-    m_isUsable = isAffordable(pattern);
-    m_expression.setPattern(m_isUsable ? pattern : QString());
+    const bool affordable = isAffordable(pattern);
+    m_expression.setPattern(affordable ? pattern : QString());
+    m_isUsable = affordable && m_expression.isValid(); // QRegExp would search with what it has understood
     updateActive();
-    return m_isUsable;
+    return affordable;
 }
 
 bool OutputFilter::setEntries(const QString &entries)

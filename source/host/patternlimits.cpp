@@ -8,6 +8,7 @@ namespace Zorvan {
 namespace {
 
 constexpr std::size_t greatestDepth = 50;
+constexpr int mostLookAheads = 13; // QRegExp takes no more in a row, and never frees the memory of those
 constexpr qint64 greatestWeight = 1000;
 constexpr qint64 greatestCheapWeight = 250;
 // What may match in several ways weighs more: each of them is tried, from each character of the line.
@@ -29,9 +30,11 @@ public:
 
     [[nodiscard]] bool isTooHeavy()
     {
-        while (m_at < m_pattern.size() && m_weight <= m_limit && m_outer.size() <= greatestDepth)
+        while (m_at < m_pattern.size() && !exceeds())
             weighNext();
-        return m_weight > m_limit || m_outer.size() > greatestDepth;
+        while (!m_outer.empty() && !exceeds()) // invalid, but to find that out costs as much
+            closeGroup();
+        return exceeds();
     }
 
 private:
@@ -47,6 +50,11 @@ private:
         qint64 factor;
     };
 
+    [[nodiscard]] bool exceeds() const
+    {
+        return m_weight > m_limit || m_outer.size() > greatestDepth || m_lookAheads > mostLookAheads;
+    }
+
     void weighNext()
     {
         const QChar character = m_pattern[m_at++];
@@ -55,12 +63,18 @@ private:
             const bool looksAhead = next == QLatin1String("?=") || next == QLatin1String("?!");
             m_outer.push_back({m_weight, looksAhead ? lookAhead : 1});
             m_weight = 0;
+            m_lookAheads += looksAhead ? 1 : 0;
         } else if (character == QLatin1Char(')') && !m_outer.empty()) {
-            add(std::max<qint64>(m_weight, 1) * m_outer.back().factor, m_outer.back().weightBefore);
-            m_outer.pop_back();
+            closeGroup();
         } else {
             add(weightOf(character), m_weight);
         }
+    }
+
+    void closeGroup()
+    {
+        add(std::max<qint64>(m_weight, 1) * m_outer.back().factor, m_outer.back().weightBefore);
+        m_outer.pop_back();
     }
 
     /// Goes behind an atom that begins with \a character.
@@ -113,6 +127,7 @@ private:
     const QString &m_pattern;
     qint64 m_limit;
     int m_at = 0;
+    int m_lookAheads = 0;
     qint64 m_weight = 0; ///< of the open group
     std::vector<Group> m_outer; ///< around it
 };
