@@ -2,6 +2,8 @@
 
 #include "support/programdata.h"
 
+#include <QPixmapCache>
+
 #include <algorithm>
 #include <filesystem>
 #include <sched.h>
@@ -90,6 +92,13 @@ Instrument::~Instrument()
     end();
 }
 
+/// Without Qt's cache of pixmaps, which keeps the names of all it ever had, those of ended applications, too.
+void Instrument::startApplication()
+{
+    m_application.emplace();
+    QPixmapCache::setCacheLimit(0);
+}
+
 void Instrument::end()
 {
     m_application.reset();
@@ -150,7 +159,7 @@ void Instrument::start(const Faults &faults)
     fs::remove_all(test::libraryFolder()); // the system log
     fs::create_directory(test::libraryFolder());
     if (!m_application)
-        m_application.emplace();
+        startApplication();
     m_round = std::make_unique<Round>();
     s_round = m_round.get();
     up();
@@ -230,7 +239,7 @@ void Instrument::cycle(bool withApplication)
     m_round->library.set(Circumstance::Good);
     spin(15ms);
     if (withApplication) {
-        m_application.emplace();
+        startApplication();
         if (m_random() % 2 == 0)
             up(); // otherwise whoever prints connects the library with it
         spin(20ms);

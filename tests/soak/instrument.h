@@ -37,6 +37,7 @@ public:
 
 private:
     void start(const Faults &faults);
+    void startApplication();
     void startActors(const Faults &faults);
     void goWrong(const Faults &faults);
     /// The library, or the application and with it the library, ends and starts again.
