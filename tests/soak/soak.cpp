@@ -38,6 +38,9 @@ constexpr std::uint64_t growthAtOnce = 200 * 1024, mostGrowth = 600 * 1024; // K
 constexpr std::uint64_t growthAtOnce = 8 * 1024, mostGrowth = 48 * 1024; // KiB
 #endif
 
+// KiB, and one for each round: texts come and go, and Qt loses some hundred bytes with each application.
+constexpr std::uint64_t mostMoreInUse = 2048;
+
 /// Does not return if one is mistyped: a run of something else would look like success.
 Options read(int count, char **arguments)
 {
@@ -72,6 +75,14 @@ std::uint64_t memory(const std::string &what)
     return std::stoull(status.substr(status.find(what) + what.size()));
 }
 
+/// What the allocator has given out, in KiB; nothing where a sanitizer brings its own, which reports leaks
+/// itself.
+std::uint64_t memoryInUse()
+{
+    const struct mallinfo2 info = mallinfo2();
+    return (info.uordblks + info.hblkhd) / 1024;
+}
+
 std::uint64_t descriptors()
 {
     const std::filesystem::directory_iterator open("/proc/self/fd");
@@ -103,6 +114,9 @@ std::uint64_t mostGrowthIn(unsigned rounds)
 
 void checkGrowth(unsigned rounds)
 {
+    count("KiB in use at the end", memoryInUse());
+    if (counted("KiB in use at the end") > counted("KiB in use after the warm-up") + mostMoreInUse + rounds)
+        count("!memory leaked");
     count("KiB at most", memory("VmHWM:"));
     count("KiB at the end", memory("VmRSS:"));
     count("descriptors at the end", descriptors());
@@ -128,6 +142,7 @@ void playInstrument(Options &options, std::chrono::seconds length)
     for (; round < warmUp + least || Clock::now() < end; ++round) {
         if (round == warmUp) {
             instrument.end();
+            count("KiB in use after the warm-up", memoryInUse());
             count("KiB after the warm-up", memory("VmRSS:"));
             count("descriptors after the warm-up", descriptors());
         }
