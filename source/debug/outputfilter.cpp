@@ -17,7 +17,7 @@ bool OutputFilter::setPattern(const QString &pattern)
 {
     m_pattern = pattern;
     const bool affordable = isAffordable(pattern);
-    m_expression.setPattern(affordable ? pattern : QString());
+    m_expression = affordable ? expressionOf(pattern) : QRegExp();
     m_isUsable = affordable && m_expression.isValid(); // QRegExp would search with what it has understood
     updateActive();
     return affordable;

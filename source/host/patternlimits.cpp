@@ -1,6 +1,7 @@
 #include "host/patternlimits.h"
 
 #include <algorithm>
+#include <utility>
 #include <vector>
 
 namespace Zorvan {
@@ -8,7 +9,7 @@ namespace Zorvan {
 namespace {
 
 constexpr std::size_t greatestDepth = 50;
-constexpr int mostLookAheads = 13; // QRegExp takes no more in a row, and never frees the memory of those
+constexpr qint64 mostLookAheads = 13; // QRegExp takes no more in a row, and never frees the memory of those
 constexpr qint64 greatestWeight = 1000;
 constexpr qint64 greatestCheapWeight = 250;
 // What may match in several ways weighs more: each of them is tried, from each character of the line.
@@ -38,21 +39,29 @@ public:
     }
 
 private:
+    struct Load
+    {
+        qint64 weight = 0;
+        qint64 lookAheads = 0;
+    };
+
     struct Repetition
     {
-        qint64 times;
+        qint64 copies;
+        qint64 weightOfEach;
         qint64 more;
     };
 
     struct Group
     {
-        qint64 weightBefore;
-        qint64 factor;
+        Load before;
+        bool looksAhead;
     };
 
     [[nodiscard]] bool exceeds() const
     {
-        return m_weight > m_limit || m_outer.size() > greatestDepth || m_lookAheads > mostLookAheads;
+        return m_open.weight > m_limit || m_open.lookAheads > mostLookAheads
+            || m_outer.size() > greatestDepth;
     }
 
     void weighNext()
@@ -61,20 +70,24 @@ private:
         if (character == QLatin1Char('(')) {
             const QStringView next = QStringView(m_pattern).mid(m_at, 2);
             const bool looksAhead = next == QLatin1String("?=") || next == QLatin1String("?!");
-            m_outer.push_back({m_weight, looksAhead ? lookAhead : 1});
-            m_weight = 0;
-            m_lookAheads += looksAhead ? 1 : 0;
+            m_outer.push_back({std::exchange(m_open, Load()), looksAhead});
         } else if (character == QLatin1Char(')') && !m_outer.empty()) {
             closeGroup();
         } else {
-            add(weightOf(character), m_weight);
+            add({weightOf(character), 0}, m_open);
         }
     }
 
     void closeGroup()
     {
-        add(std::max<qint64>(m_weight, 1) * m_outer.back().factor, m_outer.back().weightBefore);
+        const Group group = m_outer.back();
         m_outer.pop_back();
+        Load closed{std::max<qint64>(m_open.weight, 1), m_open.lookAheads};
+        if (group.looksAhead) {
+            closed.weight *= lookAhead;
+            ++closed.lookAheads;
+        }
+        add(closed, group.before);
     }
 
     /// Goes behind an atom that begins with \a character.
@@ -88,10 +101,11 @@ private:
     }
 
     /// An atom, with the repetition that follows it.
-    void add(qint64 atom, qint64 before)
+    void add(Load atom, Load before)
     {
         const Repetition repeated = repetition();
-        m_weight = before + atom * repeated.times + repeated.more;
+        m_open.weight = before.weight + atom.weight * repeated.copies * repeated.weightOfEach + repeated.more;
+        m_open.lookAheads = before.lookAheads + atom.lookAheads * repeated.copies;
     }
 
     Repetition repetition()
@@ -100,22 +114,35 @@ private:
         if (next == QLatin1Char('{'))
             return countedRepetition();
         if (next != QLatin1Char('*') && next != QLatin1Char('+') && next != QLatin1Char('?'))
-            return {1, 0};
+            return {1, 1, 0};
         ++m_at;
-        return {1, next == QLatin1Char('?') ? optional : openEnded};
+        return {1, 1, next == QLatin1Char('?') ? optional : openEnded};
     }
 
-    /// "{n}", "{n,}", "{,m}" or "{n,m}"
+    /// "{n}", "{n,}", "{,m}" or "{n,m}". What is there instead of the closing bracket is passed over like it,
+    /// as QRegExp does: it reads the rest of an invalid expression, too.
     Repetition countedRepetition()
     {
-        const int begin = m_at + 1;
-        skipBehind(QLatin1Char('}'));
-        const QString counts = m_pattern.mid(begin, m_at - begin - 1);
-        const qint64 least = std::max(counts.section(QLatin1Char(','), 0, 0).toInt(), 1);
-        if (!counts.contains(QLatin1Char(',')))
-            return {least, 0};
-        const qint64 most = counts.section(QLatin1Char(','), 1).toInt();
-        return most > 0 ? Repetition{ranged * std::max(least, most), 0} : Repetition{least, openEnded};
+        ++m_at;
+        const qint64 least = std::max<qint64>(count(), 1);
+        const bool isRange = m_at < m_pattern.size() && m_pattern[m_at] == QLatin1Char(',');
+        m_at += isRange ? 1 : 0;
+        const qint64 most = isRange ? count() : least;
+        m_at += m_at < m_pattern.size() ? 1 : 0;
+        if (!isRange)
+            return {least, 1, 0};
+        return most > 0 ? Repetition{std::max(least, most), ranged, 0} : Repetition{least, 1, openEnded};
+    }
+
+    /// 0 if there is none.
+    qint64 count()
+    {
+        const int begin = m_at;
+        while (m_at < m_pattern.size() && m_pattern[m_at] >= QLatin1Char('0')
+               && m_pattern[m_at] <= QLatin1Char('9'))
+            ++m_at;
+        constexpr int mostDigits = 9;
+        return m_pattern.mid(begin, std::min(m_at - begin, mostDigits)).toLongLong();
     }
 
     void skipBehind(QChar end)
@@ -127,8 +154,7 @@ private:
     const QString &m_pattern;
     qint64 m_limit;
     int m_at = 0;
-    int m_lookAheads = 0;
-    qint64 m_weight = 0; ///< of the open group
+    Load m_open; ///< the innermost open group
     std::vector<Group> m_outer; ///< around it
 };
 
@@ -142,6 +168,15 @@ bool isAffordable(const QString &pattern)
 bool isCheap(const QString &pattern)
 {
     return !Scale(pattern, greatestCheapWeight).isTooHeavy();
+}
+
+QRegExp expressionOf(const QString &pattern)
+{
+    QString withoutLookAheads = pattern;
+    withoutLookAheads.replace(QLatin1String("(?="), QLatin1String("(?:"));
+    withoutLookAheads.replace(QLatin1String("(?!"), QLatin1String("(?:"));
+    const QRegExp sameSyntax(withoutLookAheads);
+    return sameSyntax.isValid() ? QRegExp(pattern) : sameSyntax;
 }
 
 } // namespace Zorvan

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QRegExp>
 #include <QString>
 
 namespace Zorvan {
@@ -11,5 +12,10 @@ namespace Zorvan {
 /// Whether it costs so little that it is taken from anybody. The time grows with the square of the line's
 /// length: some milliseconds for the worst and a line of a hundred characters.
 [[nodiscard]] bool isCheap(const QString &pattern);
+
+/// The expression that \a pattern stands for, or an invalid one with the reason. QRegExp must not see an
+/// invalid \a pattern itself: if a look-ahead has an error in it, its contents are read once more for each
+/// look-ahead around it, and a repetition goes by another count.
+[[nodiscard]] QRegExp expressionOf(const QString &pattern);
 
 } // namespace Zorvan

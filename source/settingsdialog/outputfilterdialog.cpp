@@ -47,7 +47,7 @@ QString problemOf(const QString &text)
 {
     if (!isAffordable(text)) // and it may be too much to be looked at, too
         return OutputFilterDialog::tr("costs too much time: no line will be shown");
-    const QRegExp expression(text);
+    const QRegExp expression = expressionOf(text);
     if (expression.isValid())
         return QString();
     return OutputFilterDialog::tr("not a regular expression: %1").arg(expression.errorString());

@@ -49,18 +49,33 @@ TEST(Internals, PatternsMayBeLongButNotMultiply)
          {QString(), repeated("x", 1000), repeated(".*", 16), repeated("(", 50) + repeated(")", 50),
           QStringLiteral("^.*(Error|Warning>).*[0-9]{4}.[*{99999}]\\{99999}(a{90}){9}$"), repeated(")", 100),
           QStringLiteral("[x"), QStringLiteral("x\\"), QStringLiteral("colou?r(?=.*x)[0-9]{1,3}"),
-          QStringLiteral("a{0,90}"), QStringLiteral("((\\d+\\.)+|[a-z]*)*"),
+          QStringLiteral("a{0,90}"), QStringLiteral("((\\d+\\.)+|[a-z]*)*"), QStringLiteral("((?!x).){2,3}"),
           QStringLiteral("(error|warning|critical)+(:|(,|;)*)")})
         EXPECT_TRUE(isAffordable(pattern)) << pattern.left(40).toStdString();
-    for (const QString &pattern :
-         {repeated("x", 1001), repeated(".*", 17), repeated(".?", 51), repeated("(x)\\1", 17),
-          repeated("(", 51), QStringLiteral("(a{100}){100}"), QStringLiteral("((a{0,20}){0,20})x"),
-          QStringLiteral("((a{0,9}){,12})"), QStringLiteral("(.*){100}"),
-          repeated("(", 17) + repeated("x*)", 17), QStringLiteral("(?=.*(?=.*x))"),
-          QStringLiteral("(a{1,}){17,}"), repeated("(?=x", 5), repeated("(?=x)", 14)})
+    for (const QString &pattern : {repeated("x", 1001), repeated(".*", 17), repeated(".?", 51),
+                                   repeated("(x)\\1", 17), repeated("(", 51), QStringLiteral("(a{100}){100}"),
+                                   QStringLiteral("((a{0,20}){0,20})x"), QStringLiteral("((a{0,9}){,12})"),
+                                   QStringLiteral("(.*){100}"), repeated("(", 17) + repeated("x*)", 17),
+                                   QStringLiteral("(?=.*(?=.*x))"), QStringLiteral("(a{1,}){17,}"),
+                                   repeated("(?=x", 5), repeated("(?=x)", 14), QStringLiteral("(?=a){14}"),
+                                   QStringLiteral("((?!a)(?!b)){2,7}"), QStringLiteral("a{((a{100}){100}}")})
         EXPECT_FALSE(isAffordable(pattern)) << pattern.left(40).toStdString();
     EXPECT_TRUE(isCheap(repeated(".*", 4)));
     EXPECT_FALSE(isCheap(repeated(".*", 5)));
+}
+
+/// The last one would leave memory of QRegExp behind, which AddressSanitizer reports at the end.
+TEST(Internals, OnlyValidPatternsAreExpressions)
+{
+    const QRegExp valid = expressionOf(QStringLiteral("b(?=x)(?!xa)."));
+    EXPECT_TRUE(valid.isValid());
+    EXPECT_EQ(valid.indexIn(QStringLiteral("b bxa bxb")), 6);
+    for (const char *pattern : {"(?=x", "(?!x))", "((?=a)(?=b)(?=c)(?={2}x){9}"}) {
+        ASSERT_TRUE(isAffordable(QLatin1String(pattern))) << pattern;
+        const QRegExp invalid = expressionOf(QLatin1String(pattern));
+        EXPECT_FALSE(invalid.isValid()) << pattern;
+        EXPECT_NE(invalid.errorString(), QRegExp().errorString()) << pattern;
+    }
 }
 
 } // namespace
