@@ -19,7 +19,7 @@ namespace {
 
 constexpr int everyClass = -1;
 constexpr int everyClassInverted = -2;
-constexpr int silent = -1; // clipping level
+constexpr int silentLevel = -1; // clipping level
 
 void storeClassState(moduleId id, int cls, bool enabled) ZORVAN_REQUIRES(moduleTable().lock())
 {
@@ -181,7 +181,7 @@ void Debug::enableLevel(moduleId id, const QString &name)
     const Descriptions *const levels = module->levels;
     const QString wanted = name.toLower();
     if (wanted.contains(QLatin1String("release"))) {
-        setClippingLevel(id, silent);
+        setClippingLevel(id, silentLevel);
         return;
     }
     if (wanted.contains(QLatin1String("full"))) {

@@ -18,7 +18,6 @@ ZORVAN_THREAD_WORD bool s_isInside = false;
 namespace {
 
 constexpr int notRead = -1;
-const char *const outputSource = "Leak/Method Analyzer";
 
 /// A property that is read once: whoever changes it directly later on is not seen. Usable before static
 /// objects are built.
@@ -103,7 +102,7 @@ void start()
 {
     if (s_toolsEnabled.value() != 1 || isRunning())
         return;
-    emitText(outputSource, __LINE__, "****************************** activating runtime\n");
+    emitText(analyzerSource, __LINE__, "****************************** activating runtime\n");
     {
         const InsideAnalyzer guard;
         prepareTiming();
@@ -112,7 +111,7 @@ void start()
     detail::s_isRunning.store(true, std::memory_order_release);
     if (s_startupAnalysis.value() != 1)
         return;
-    emitText(outputSource, __LINE__, "****************************** activating startup analysis\n");
+    emitText(analyzerSource, __LINE__, "****************************** activating startup analysis\n");
     setMemoryTracking(lowlevelProperty(LowlevelProperty::memTrackingEnabled, 1));
     setTimeTracking(lowlevelProperty(LowlevelProperty::timeTrackingEnabled, 1));
 }

@@ -20,6 +20,11 @@ void removeOutputHandler(IAnalysisOutputInterface *handler);
 /// Whether there is anybody to tell.
 [[nodiscard]] bool hasOutputHandler();
 
+// What the tools have to say of themselves comes under these names.
+inline constexpr const char *analyzerSource = "Leak/Method Analyzer";
+inline constexpr const char *leakAnalyzerSource = "Leak Analyzer";
+inline constexpr const char *methodAnalyzerSource = "Method Analyzer";
+
 /// Formats a text and hands it out under a source position, which may be null.
 void emitText(const char *source, int line, const char *format, ...) ZORVAN_PRINTF_FORMAT(3, 4);
 

@@ -10,7 +10,6 @@ namespace Zorvan::analysis {
 namespace {
 
 constexpr int passes = 100;
-const char *const outputSource = "Method Analyzer";
 const char *const thisFile = "source/leakanalyzer/calibration.cpp"; // without the folder of the build
 // What is started here, by line. The numbers only have to differ.
 constexpr int disabledLine = 790;
@@ -93,19 +92,19 @@ void calibrate()
     const auto nothing = [] {};
     const auto calls = static_cast<long long>(cyclesOf(nothing, passes));
     const auto loop = static_cast<long long>(cyclesOf(nothing, passes));
-    emitText(outputSource, __LINE__,
+    emitText(methodAnalyzerSource, __LINE__,
              "****************************** %lld overhead method call, %lld int loop\n", calls, loop);
 
     const std::int64_t skipped = cyclesOf([] { measureScopes("<disabled>", disabledLine); }, passes);
     const std::int64_t enabled = cyclesOf([] { measureScopes(thisFile, enabledLine); }, passes);
-    emitText(outputSource, __LINE__,
+    emitText(methodAnalyzerSource, __LINE__,
              "****************************** %lld overhead meas skipped, %lld overhead meas enabled\n",
              static_cast<long long>(skipped - calls), static_cast<long long>(enabled - calls));
 
     const Overheads overheads = measureOverheads();
     const long long measured = overheads.measuredInside + overheads.measuredBeside;
     emitText(
-        outputSource, __LINE__,
+        methodAnalyzerSource, __LINE__,
         "****************************** %lld overhead first call, %lld overhead avg calls, %lld overhead "
         "measured\n",
         static_cast<long long>(overheads.firstCall), static_cast<long long>(overheads.averageCall), measured);

@@ -13,7 +13,7 @@ namespace {
 
 constexpr int triesBeforeLock = 100;
 constexpr int firstPause = 4; // calls of spinPause()
-constexpr int longestPause = 256;
+constexpr int longestPauseBetweenTries = 256;
 
 const char *const unknownSource = "unknown"; // no memory for the name
 
@@ -38,7 +38,7 @@ AnalyzerTurn::AnalyzerTurn() ZORVAN_NO_THREAD_SAFETY_ANALYSIS : m_lock(analyzerL
             return;
         for (int i = 0; i < pauses; ++i)
             platform::spinPause();
-        pauses = std::min(2 * pauses, longestPause);
+        pauses = std::min(2 * pauses, longestPauseBetweenTries);
     }
     m_lock.lock();
 }

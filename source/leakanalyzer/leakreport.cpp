@@ -13,8 +13,6 @@ namespace Zorvan::analysis {
 
 namespace {
 
-const char *const outputSource = "Leak Analyzer";
-
 /// A source position and a size of blocks; in the order of the report.
 struct LeakGroup
 {
@@ -80,18 +78,19 @@ void emitGroups(const LeakSnapshot &snapshot, const char *sourceFilter)
 
 void emitStatistics(const LeakStatistics &statistics)
 {
-    emitText(outputSource, __LINE__, "******************************  avg memory usage was %d bytes\n",
+    emitText(leakAnalyzerSource, __LINE__, "******************************  avg memory usage was %d bytes\n",
              statistics.averageBytes);
-    emitText(outputSource, __LINE__, "******************************  avg memory usage was %d blocks\n",
+    emitText(leakAnalyzerSource, __LINE__, "******************************  avg memory usage was %d blocks\n",
              statistics.averageBlocks);
-    emitText(outputSource, __LINE__, "****************************** peak memory usage was %d bytes\n",
+    emitText(leakAnalyzerSource, __LINE__, "****************************** peak memory usage was %d bytes\n",
              statistics.peakBytes);
-    emitText(outputSource, __LINE__, "****************************** peak memory usage was %d blocks\n",
+    emitText(leakAnalyzerSource, __LINE__, "****************************** peak memory usage was %d blocks\n",
              statistics.peakBlocks);
-    emitText(outputSource, __LINE__, "****************************** peak alloc fifo usage was %d requests\n",
+    emitText(leakAnalyzerSource, __LINE__,
+             "****************************** peak alloc fifo usage was %d requests\n",
              statistics.peakRequests);
-    emitText(outputSource, __LINE__, "****************************** peak del fifo usage was %d requests\n",
-             statistics.peakReleases);
+    emitText(leakAnalyzerSource, __LINE__,
+             "****************************** peak del fifo usage was %d requests\n", statistics.peakReleases);
 }
 
 } // namespace
@@ -102,10 +101,10 @@ void dumpLeaks(const char *sourceFilter)
         return;
     const LeakSnapshot snapshot = takeSnapshot();
     if (snapshot.blocks == 0)
-        emitText(outputSource, __LINE__,
+        emitText(leakAnalyzerSource, __LINE__,
                  "------------------------------ no memory leaks in tracked code found\n");
     else if (snapshot.groups == nullptr)
-        emitText(outputSource, __LINE__,
+        emitText(leakAnalyzerSource, __LINE__,
                  "------------------------------ not enough memory to list the %d blocks that are alive\n",
                  static_cast<int>(snapshot.blocks));
     else

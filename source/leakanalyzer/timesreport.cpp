@@ -12,8 +12,6 @@ namespace Zorvan::analysis {
 
 namespace {
 
-const char *const outputSource = "Method Analyzer";
-
 struct Sums
 {
     int records = 0;
@@ -117,7 +115,7 @@ void reportTimes(const char *sourceFilter, const char *methodFilter)
 {
     const PlainVector<MeasuredMethod> methods = measuredMethods();
     if (methods.empty()) {
-        emitText(outputSource, __LINE__,
+        emitText(methodAnalyzerSource, __LINE__,
                  "------------------------------ no time measurements in tracked code found.\n");
         deliver([](IAnalysisOutputInterface &handler) { handler.summary(0, 0, 0, 0, 0, 0); });
         emitComplete();
@@ -133,7 +131,7 @@ void reportTimes(const char *sourceFilter, const char *methodFilter)
 
 void emitNoMemory()
 {
-    emitText(outputSource, __LINE__, "------------------------------ no memory for the report\n");
+    emitText(methodAnalyzerSource, __LINE__, "------------------------------ no memory for the report\n");
 }
 
 } // namespace

@@ -13,7 +13,7 @@ namespace Zorvan {
 
 namespace {
 
-QString translated(const char *text)
+QString menuText(const char *text)
 {
     return QCoreApplication::translate("Zorvan::SettingsDialogMenu", text);
 }
@@ -21,7 +21,7 @@ QString translated(const char *text)
 template <typename Command>
 QAction *add(QMenu &menu, Command command, const char *text)
 {
-    QAction *const action = menu.addAction(translated(text));
+    QAction *const action = menu.addAction(menuText(text));
     action->setData(static_cast<int>(command));
     return action;
 }
@@ -41,8 +41,7 @@ void addFilter(QMenu &menu, const DialogMenuState &state)
 
 void addMoreOptions(QMenu &menu, const DialogMenuState &state)
 {
-    QMenu &more =
-        *menu.addMenu(translated(QT_TRANSLATE_NOOP("Zorvan::SettingsDialogMenu", "more options...")));
+    QMenu &more = *menu.addMenu(menuText(QT_TRANSLATE_NOOP("Zorvan::SettingsDialogMenu", "more options...")));
     more.setFont(menu.font());
     const auto isSet = [&state](displayflags::Flag flag) {
         return (static_cast<unsigned>(state.displayFlags) & flag) != 0;

@@ -55,7 +55,7 @@ constexpr CheckTexts checks[] = {
      QT_TRANSLATE_NOOP("configdialog", "Lets the firmware clear the text of the window"), Qt::Key_E},
 };
 
-QString translated(const char *text)
+QString dialogText(const char *text)
 {
     return QCoreApplication::translate("configdialog", text);
 }
@@ -63,10 +63,10 @@ QString translated(const char *text)
 void show(QCheckBox &check, const CheckTexts &texts, bool isSmallDisplay)
 {
     const QKeySequence key(static_cast<int>(Qt::ALT) | static_cast<int>(texts.key));
-    check.setText(translated(isSmallDisplay ? texts.small : texts.normal));
+    check.setText(dialogText(isSmallDisplay ? texts.small : texts.normal));
     check.setShortcut(key); // a new text takes the old key away
     check.setToolTip(
-        QStringLiteral("%1 (%2)").arg(translated(texts.toolTip), key.toString(QKeySequence::NativeText)));
+        QStringLiteral("%1 (%2)").arg(dialogText(texts.toolTip), key.toString(QKeySequence::NativeText)));
 }
 
 } // namespace
@@ -75,7 +75,7 @@ void showDisplayTexts(QWidget &form, bool isSmallDisplay)
 {
     for (const GroupTexts &texts : groups) {
         if (auto *const group = form.findChild<QGroupBox *>(QLatin1String(texts.name)))
-            group->setTitle(translated(isSmallDisplay ? texts.small : texts.normal));
+            group->setTitle(dialogText(isSmallDisplay ? texts.small : texts.normal));
     }
     for (const CheckTexts &texts : checks) {
         if (auto *const check = form.findChild<QCheckBox *>(QLatin1String(texts.name)))

@@ -4,6 +4,7 @@
 #include "host/patternlimits.h"
 #include "host/tablestate.h"
 #include "settingsdialog/levelrows.h"
+#include "settingsdialog/questions.h"
 #include "settingsdialog/rundialog.h"
 
 #include <zorvan/debug.h>
@@ -61,14 +62,11 @@ bool levelsAreShown()
 /// False if the box's event loop has left nobody to go on for.
 bool warnThatLevelsAreHidden(QWidget *parent)
 {
-    constexpr int warningIcon = 2;
-    constexpr int okButton = 1;
     const QPointer<QWidget> kept(parent);
     const unsigned ends = TableState::ends();
-    Debug::debugMessageBox(
-        OutputFilterDialog::tr("warning"),
-        OutputFilterDialog::tr("message level filter only works if the displayLevelDescription flag is set."),
-        true, warningIcon, okButton, 0, 0);
+    questions::tell(questions::Icon::Warning, OutputFilterDialog::tr("warning"),
+                    OutputFilterDialog::tr(
+                        "message level filter only works if the displayLevelDescription flag is set."));
     return kept == parent && TableState::ends() == ends;
 }
 

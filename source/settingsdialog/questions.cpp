@@ -2,6 +2,8 @@
 
 #include "settingsdialog/rundialog.h"
 
+#include <zorvan/debug.h>
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
@@ -27,6 +29,12 @@ bool mayOverwrite(QWidget *parent, const QString &title, const QString &path)
 }
 
 } // namespace
+
+void tell(Icon icon, const QString &title, const QString &text)
+{
+    constexpr int okButton = 1;
+    Debug::debugMessageBox(title, text, true, static_cast<int>(icon), okButton, 0, 0);
+}
 
 std::optional<QString> askForFile(QWidget *parent, const FileQuestion &question)
 {

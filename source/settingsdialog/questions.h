@@ -7,8 +7,8 @@
 
 class QWidget;
 
-/// Questions to the user, of the windows of this library. Each runs an event loop, in which the parent may be
-/// deleted: that is no answer, as is a cancelled dialog. The GUI thread only.
+/// Questions and notices to the user, of the windows of this library. Each runs an event loop, in which the
+/// parent may be deleted: that is no answer, as is a cancelled dialog. The GUI thread only.
 namespace Zorvan::questions {
 
 struct FileQuestion
@@ -28,6 +28,11 @@ struct Range
     int most;
     int step;
 };
+
+enum class Icon { Information = 1, Warning = 2 };
+
+/// Tells something in a message box of the library, and waits until it is closed.
+void tell(Icon icon, const QString &title, const QString &text);
 
 [[nodiscard]] std::optional<QString> askForFile(QWidget *parent, const FileQuestion &question);
 [[nodiscard]] std::optional<QString> askForText(QWidget *parent, const QString &title, const QString &label,

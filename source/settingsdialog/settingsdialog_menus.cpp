@@ -25,8 +25,6 @@ namespace {
 constexpr qint64 bytesPerMegabyte = 1'048'576;
 constexpr int mostMegabytes = 2047;
 constexpr int megabytesPerStep = 10;
-constexpr int warningIcon = 2;
-constexpr int okButton = 1;
 
 bool isLatin1(const QString &text)
 {
@@ -155,11 +153,10 @@ void SettingsDialog::chooseOutputFile()
     if (isLatin1(path))
         Debug::setOutputFileName(path.toLatin1().constData());
     else
-        Debug::debugMessageBox(tr("output file"),
-                               tr("The output file stays the same: the name of the new one has characters "
-                                  "that are not in Latin-1.\n%1")
-                                   .arg(path),
-                               true, warningIcon, okButton, 0, 0);
+        questions::tell(questions::Icon::Warning, tr("output file"),
+                        tr("The output file stays the same: the name of the new one has characters "
+                           "that are not in Latin-1.\n%1")
+                            .arg(path));
 }
 
 void SettingsDialog::chooseOutputFileSize()
