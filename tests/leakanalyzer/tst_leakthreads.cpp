@@ -4,7 +4,6 @@
 
 #include <atomic>
 #include <sys/wait.h>
-#include <thread>
 #include <unistd.h>
 
 namespace Zorvan::test {
@@ -14,22 +13,12 @@ using analysis::freeBlock;
 
 constexpr int threadCount = 3;
 
-/// Runs \a work(number of the thread) in several threads at once.
-void inThreads(const std::function<void(int)> &work)
-{
-    std::vector<std::thread> threads;
-    for (int number = 0; number < threadCount; ++number)
-        threads.emplace_back(work, number);
-    for (std::thread &thread : threads)
-        thread.join();
-}
-
 TEST_F(LeakTest, blocksMayBeFreedByOtherThreads)
 {
     constexpr int blocksOfEach = 1500;
     constexpr std::size_t places = 16;
     std::atomic<void *> shared[places] = {};
-    inThreads([&](int number) {
+    Crew(threadCount, [&](int number) {
         for (int i = 0; i < blocksOfEach; ++i) {
             auto *const block = static_cast<int *>(allocate(sizeof(int), "shared.cpp", number));
             *block = i;
@@ -37,7 +26,7 @@ TEST_F(LeakTest, blocksMayBeFreedByOtherThreads)
             if (void *const other = shared[static_cast<std::size_t>(i + number) % places].exchange(block))
                 freeBlock(other);
         }
-    });
+    }).join();
     std::ptrdiff_t left =
         std::count_if(shared, shared + places, [](void *block) { return block != nullptr; });
     LeakRecorder recorder;
@@ -53,23 +42,19 @@ TEST_F(LeakTest, blocksMayBeFreedByOtherThreads)
 TEST_F(LeakTest, reportsClearsAndSwitchesDoNotDisturbThreadsThatAllocate)
 {
     LeakRecorder recorder;
-    std::atomic<int> busy = threadCount - 1;
-    inThreads([&](int number) {
-        if (number == threadCount - 1) {
-            for (int round = 0; busy > 0; ++round) {
-                recorder.leaks("none");
-                analysis::clearLeaks();
-                analysis::setMemoryTracking(round % 2);
-                static_cast<void>(analysis::trackedMemoryUsage());
-            }
-            return;
-        }
+    Crew allocators(threadCount - 1, [](int) {
         for (int i = 0; i < 1000; ++i) {
             void *const block = analysis::allocate(24, "a.cpp", i % 10, i % 3 == 0);
             freeBlock(analysis::reallocate(block, 48, "b.cpp", 1));
         }
-        --busy;
     });
+    for (int round = 0; allocators.isBusy(); ++round) {
+        recorder.leaks("none");
+        analysis::clearLeaks();
+        analysis::setMemoryTracking(round % 2);
+        static_cast<void>(analysis::trackedMemoryUsage());
+    }
+    allocators.join();
     recorder.leaks();
     analysis::setMemoryTracking(1);
     analysis::clearLeaks();
