@@ -46,22 +46,43 @@ TEST(Internals, PatternsMayBeLongButNotMultiply)
         return QString::fromLatin1(piece).repeated(count);
     };
     for (const QString &pattern :
-         {QString(), repeated("x", 1000), repeated(".*", 16), repeated("(", 50) + repeated(")", 50),
+         {QString(), repeated("x", 1000), repeated(".*", 20), repeated("(", 50) + repeated(")", 50),
           QStringLiteral("^.*(Error|Warning>).*[0-9]{4}.[*{99999}]\\{99999}(a{90}){9}$"), repeated(")", 100),
-          QStringLiteral("[x"), QStringLiteral("x\\"), QStringLiteral("colou?r(?=.*x)[0-9]{1,3}"),
-          QStringLiteral("a{0,90}"), QStringLiteral("((\\d+\\.)+|[a-z]*)*"), QStringLiteral("((?!x).){2,3}"),
-          QStringLiteral("(error|warning|critical)+(:|(,|;)*)")})
+          QStringLiteral("[x"), QStringLiteral("x\\"), QStringLiteral("a{0,90}x"),
+          QStringLiteral("((?!x).){2,13}"), QStringLiteral("[](]{9}[^]]*\\({9}[\\](]{9}"),
+          QStringLiteral("(.)(.)(.)\\1\\2\\3")})
         EXPECT_TRUE(isAffordable(pattern)) << pattern.left(40).toStdString();
-    for (const QString &pattern : {repeated("x", 1001), repeated(".*", 17), repeated(".?", 51),
-                                   repeated("(x)\\1", 17), repeated("(", 51), QStringLiteral("(a{100}){100}"),
-                                   QStringLiteral("((a{0,20}){0,20})x"), QStringLiteral("((a{0,9}){,12})"),
-                                   QStringLiteral("(.*){100}"), repeated("(", 17) + repeated("x*)", 17),
-                                   QStringLiteral("(?=.*(?=.*x))"), QStringLiteral("(a{1,}){17,}"),
-                                   repeated("(?=x", 5), repeated("(?=x)", 14), QStringLiteral("(?=a){14}"),
-                                   QStringLiteral("((?!a)(?!b)){2,7}"), QStringLiteral("a{((a{100}){100}}")})
+    for (const QString &pattern :
+         {repeated("x", 1001), repeated(".*", 25), repeated(".?", 51), repeated("(x)\\1", 17),
+          repeated("(", 51), QStringLiteral("(a{100}){100}"), QStringLiteral("((a{0,20}){0,20})x"),
+          QStringLiteral("((a{0,9}){,12})x"), QStringLiteral("(.*){100}"),
+          // empty alternatives, and any of many behind any of many
+          QStringLiteral("(.|){124}z"), QStringLiteral("(") + repeated(".|", 24) + QStringLiteral("z)*"),
+          // what looks ahead does it at each step, and QRegExp copies it
+          QStringLiteral("(?=.*(?=.*x))"), QStringLiteral("((?=aaaaaaaaaa)(.|.|.|.|.|.))*z"),
+          repeated("(?=x)", 14), QStringLiteral("(?=a){14}"), QStringLiteral("((?!a)(?!b)){2,7}"),
+          QStringLiteral("((?=a)[])]){14}"),
+          // QRegExp multiplies alternatives of anchors
+          QStringLiteral("($|^|\\b|a*){15}"), QStringLiteral("x") + repeated("(^|$)a?", 5),
+          // read as QRegExp does: brackets within brackets, the rest of what is invalid
+          repeated("([])]x", 4) + repeated("){9}", 4), repeated("(x[\\)\\]]", 4) + repeated("){9}", 4),
+          QStringLiteral("a{((a{100}){100}}"), repeated("(xxx", 3) + repeated("(?()y){20}", 3),
+          repeated("((^{10}){10}){11}", 1),
+          QStringLiteral("(") + repeated("|", 99) + QStringLiteral("){11}")})
         EXPECT_FALSE(isAffordable(pattern)) << pattern.left(40).toStdString();
-    EXPECT_TRUE(isCheap(repeated(".*", 4)));
-    EXPECT_FALSE(isCheap(repeated(".*", 5)));
+}
+
+TEST(Internals, PatternsOfEverydayUseAreTakenFromAnybody)
+{
+    for (const char *pattern :
+         {"(error|warning|critical)+(:|(,|;)*)", "^.*(Error|Warning).*[0-9]{4}.*$",
+          "colou?r(?=.*x)[0-9]{1,3}", "(\\w|\\d|\\s|[.,:;])*Timeout", "((?!debug).)*",
+          "^(?!.*(debug|trace|verbose)).*$", "\\b(Motor|Valve|Pump|Sensor)\\b.*(fail|error|timeout|refused)",
+          "\\[[^]]*\\] .*: \\d{1,3}\\.\\d{1,3}\\.\\d{1,3}\\.\\d{1,3}(:\\d{1,5})?", ".*a.*b.*c.*d.*",
+          "([A-Za-z_][A-Za-z0-9_]*\\.)*[A-Za-z_]+Exception", "^.{10,60}state (on|off)",
+          "(\\S+ ){5,20}failed"})
+        EXPECT_TRUE(isCheap(QLatin1String(pattern))) << pattern;
+    EXPECT_FALSE(isCheap(QStringLiteral(".*").repeated(20)));
 }
 
 /// The last one would leave memory of QRegExp behind, which AddressSanitizer reports at the end.

@@ -91,10 +91,12 @@ TEST(SystemLogProcesses, childAndParentLogOnAfterAForkAmidLogging)
     int lines[2] = {0, 0};
     inThreads(3, [&](int thread) {
         if (thread < 2) {
-            for (; !done && lines[thread] < 4000; ++lines[thread]) {
+            while (!done) { // a thread that ends would not be between two turns
                 forks.turn([&] {
+                    if (lines[thread] == 4000)
+                        return;
                     logLine("Fork", std::to_string(thread), lines[thread]);
-                    setLowlevelIntegerProperty(thread, lines[thread] / 16);
+                    setLowlevelIntegerProperty(thread, lines[thread]++ / 16);
                 });
             }
             return;

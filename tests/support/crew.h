@@ -14,7 +14,7 @@ public:
     Crew(int count, Work work)
         : m_busy(count)
     {
-        m_threads.reserve(static_cast<std::size_t>(count)); // nothing is allocated once they are under way
+        m_threads.reserve(static_cast<std::size_t>(count)); // the list does not move while they are under way
         for (int number = 0; number < count; ++number) {
             m_threads.emplace_back([this, work, number]() mutable {
                 work(number);

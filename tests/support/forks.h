@@ -15,7 +15,7 @@ namespace Zorvan::test {
 
 /// The sanitizers' allocators do not survive a fork() amid another thread's allocation: the child may wait
 /// for ever for a lock whose owner is not there. With them, the other threads stand between two turns
-/// meanwhile.
+/// meanwhile. One thread forks.
 class ForksAmidWork
 {
 public:
