@@ -1,5 +1,7 @@
 #include "host/patternlimits.h"
 
+#include "host/patternmachine.h"
+
 #include <algorithm>
 #include <utility>
 #include <vector>
@@ -8,144 +10,15 @@ namespace Zorvan {
 
 namespace {
 
+using patternmachine::Part;
+
 constexpr std::size_t greatestDepth = 50;
 constexpr qint64 greatestSize = 1000;
 constexpr qint64 mostLookAheads = 13; // QRegExp takes no more in a row, and never frees the memory of those
-constexpr qint64 mostAnchors = 20; // of which one has to hold
+constexpr qint64 mostLeaves = 20;
 constexpr qint64 greatestCost = 250;
 constexpr qint64 greatestCheapCost = 125;
-
-constexpr qint64 backReference = 60; // keeps ways apart that would become one
-constexpr qint64 openEndInLookAhead = 20; // "*", "+", "{2,}": it goes through the line at each place
-constexpr int classPiece = 16; // characters of "[...]" that are compared in the time of some others
-constexpr qint64 uncountable = 1'000'000;
-
-qint64 counted(qint64 value)
-{
-    return std::min(value, uncountable);
-}
-
-/// Conditions for going on ("^", "\\b", look-aheads) between two characters. QRegExp keeps alternatives as a
-/// tree: what holds in front of them is noted with each of its leaves. 0: none; 1: all must hold; more: the
-/// leaves of the tree.
-using Anchors = qint64;
-
-Anchors bothOf(Anchors a, Anchors b)
-{
-    return a <= 1 && b <= 1 ? std::max(a, b) : counted(std::max<Anchors>(a, 1) * std::max<Anchors>(b, 1));
-}
-
-Anchors oneOf(Anchors a, Anchors b)
-{
-    return a <= 1 && b <= 1 && a + b < 2 ? 0 : counted(std::max<Anchors>(a, 1) + std::max<Anchors>(b, 1));
-}
-
-/// The machine that QRegExp makes of a part of an expression: one place for each character of a line, which
-/// knows where to go on, so that the number of ways is the number of ends of one part times the number of
-/// beginnings of the next. It takes all ways at once, from each character of the line anew.
-struct Part
-{
-    qint64 size = 0; ///< of all that is read, anchors and empty groups, too
-    qint64 places = 0;
-    qint64 beginnings = 0;
-    qint64 ends = 0;
-    qint64 ways = 0; ///< from a place to a place
-    qint64 openEnds = 0;
-    qint64 backReferences = 0;
-    qint64 lookAheads = 0;
-    qint64 lookAheadCost = 0; ///< of each way
-    bool mayBeEmpty = true;
-    Anchors anchorsIfEmpty = 0;
-    Anchors anchorsBefore = 0; ///< the most of a beginning
-    Anchors anchorsBehind = 0; ///< the most of an end
-    Anchors anchorsWithin = 0; ///< the most of a way
-};
-
-/// \a a or \a b.
-Part alternativeOf(const Part &a, const Part &b)
-{
-    Part sum;
-    sum.anchorsIfEmpty = a.mayBeEmpty && b.mayBeEmpty ? oneOf(a.anchorsIfEmpty, b.anchorsIfEmpty)
-                                                      : std::max(a.anchorsIfEmpty, b.anchorsIfEmpty);
-    sum.anchorsBefore = std::max(a.anchorsBefore, b.anchorsBefore);
-    sum.anchorsBehind = std::max(a.anchorsBehind, b.anchorsBehind);
-    sum.anchorsWithin = std::max(a.anchorsWithin, b.anchorsWithin);
-    sum.size = counted(a.size + b.size);
-    sum.places = counted(a.places + b.places);
-    sum.beginnings = counted(a.beginnings + b.beginnings);
-    sum.ends = counted(a.ends + b.ends);
-    sum.ways = counted(a.ways + b.ways);
-    sum.openEnds = counted(a.openEnds + b.openEnds);
-    sum.backReferences = counted(a.backReferences + b.backReferences);
-    sum.lookAheads = counted(a.lookAheads + b.lookAheads);
-    sum.lookAheadCost = counted(a.lookAheadCost + b.lookAheadCost);
-    sum.mayBeEmpty = a.mayBeEmpty || b.mayBeEmpty;
-    return sum;
-}
-
-/// \a b behind \a a.
-Part sequenceOf(const Part &a, const Part &b)
-{
-    Part sequence = alternativeOf(a, b);
-    sequence.ways = counted(sequence.ways + a.ends * b.beginnings);
-    sequence.anchorsWithin = std::max(sequence.anchorsWithin, bothOf(a.anchorsBehind, b.anchorsBefore));
-    sequence.anchorsBefore = std::max(a.anchorsBefore, bothOf(a.anchorsIfEmpty, b.anchorsBefore));
-    sequence.anchorsBehind = std::max(b.anchorsBehind, bothOf(a.anchorsBehind, b.anchorsIfEmpty));
-    sequence.anchorsIfEmpty = bothOf(a.anchorsIfEmpty, b.anchorsIfEmpty);
-    sequence.mayBeEmpty = a.mayBeEmpty && b.mayBeEmpty;
-    if (!a.mayBeEmpty) {
-        sequence.beginnings = a.beginnings;
-        sequence.anchorsBefore = a.anchorsBefore;
-    }
-    if (!b.mayBeEmpty) {
-        sequence.ends = b.ends;
-        sequence.anchorsBehind = b.anchorsBehind;
-    }
-    if (!sequence.mayBeEmpty)
-        sequence.anchorsIfEmpty = 0;
-    return sequence;
-}
-
-Part repeatedOften(Part part)
-{
-    part.ways = counted(part.ways + part.ends * part.beginnings);
-    part.anchorsWithin = std::max(part.anchorsWithin, bothOf(part.anchorsBehind, part.anchorsBefore));
-    ++part.openEnds;
-    return part;
-}
-
-Part optional(Part part)
-{
-    part.mayBeEmpty = true;
-    part.anchorsIfEmpty = 0;
-    return part;
-}
-
-bool hasTooManyAnchors(const Part &part)
-{
-    return std::max({part.anchorsIfEmpty, part.anchorsBefore, part.anchorsBehind, part.anchorsWithin})
-        > mostAnchors;
-}
-
-Part lookAheadOf(const Part &part)
-{
-    Part empty;
-    empty.size = part.size;
-    empty.anchorsIfEmpty = 1;
-    empty.lookAheads = part.lookAheads + 1;
-    const qint64 steps = part.places + part.ways + openEndInLookAhead * part.openEnds;
-    empty.lookAheadCost = counted(counted(steps) * (1 + part.lookAheadCost));
-    empty.backReferences = part.backReferences;
-    return empty;
-}
-
-/// A row of places costs nothing, however long: only one of them is looked at for each character. What counts
-/// are the ways that lead elsewhere.
-qint64 costOf(const Part &part)
-{
-    const qint64 branches = std::max<qint64>(part.beginnings + part.ways - part.places, 0);
-    return (1 + branches) * (1 + part.lookAheadCost) + backReference * part.backReferences;
-}
+constexpr qint64 greatestCostOfReading = 1000;
 
 /// Reads an expression as QRegExp does, an invalid one, too: QRegExp reads it to the end.
 class Scale
@@ -175,10 +48,17 @@ private:
         bool looksAhead = false;
     };
 
+    struct Range
+    {
+        qint64 least;
+        qint64 most;
+        bool isOpen;
+    };
+
     [[nodiscard]] bool exceeds(const Part &part) const
     {
-        return part.size > greatestSize || part.lookAheads > mostLookAheads || hasTooManyAnchors(part)
-            || costOf(part) > m_mostCost;
+        return part.size > greatestSize || part.lookAheads > mostLookAheads || leavesOf(part) > mostLeaves
+            || costOf(part, m_captures) > m_mostCost;
     }
 
     [[nodiscard]] bool exceeds() const
@@ -188,6 +68,8 @@ private:
 
     [[nodiscard]] QChar next() const { return m_at < m_pattern.size() ? m_pattern[m_at] : QChar(); }
 
+    [[nodiscard]] bool isAtDigit() const { return next() >= QLatin1Char('0') && next() <= QLatin1Char('9'); }
+
     bool skip(char character)
     {
         if (m_at >= m_pattern.size() || m_pattern[m_at] != QLatin1Char(character))
@@ -195,6 +77,9 @@ private:
         ++m_at;
         return true;
     }
+
+    /// Whatever it is.
+    void skipOne() { m_at = std::min(m_at + 1, static_cast<int>(m_pattern.size())); }
 
     void weighNext()
     {
@@ -212,16 +97,17 @@ private:
     void openGroup()
     {
         m_outer.push_back(std::exchange(m_group, Group()));
-        if (!skip('?') || m_at >= m_pattern.size())
+        if (!skip('?')) {
+            ++m_captures;
             return;
+        }
         m_group.looksAhead = next() == QLatin1Char('=') || next() == QLatin1Char('!');
-        ++m_at;
+        skipOne();
     }
 
     void closeGroup()
     {
-        Part closed = alternatives();
-        closed.size = std::max<qint64>(closed.size, 1);
+        Part closed = groupOf(alternatives());
         if (m_group.looksAhead)
             closed = lookAheadOf(closed);
         m_group = m_outer.back();
@@ -233,51 +119,48 @@ private:
     {
         if (!m_group.hasAlternatives)
             return m_group.sequence;
-        Part all = alternativeOf(m_group.alternatives, m_group.sequence);
-        ++all.size; // the bar
-        return all;
+        return groupOf(alternativeOf(m_group.alternatives, m_group.sequence));
     }
 
     Part atom()
     {
-        Part place{1, 1, 1, 1};
-        place.mayBeEmpty = false;
-        Part anchor;
-        anchor.size = 1;
-        anchor.anchorsIfEmpty = 1;
         if (skip('^') || skip('$'))
-            return anchor;
-        if (skip('[')) {
-            place.size += lengthOfClass() / classPiece;
-            return place;
+            return patternmachine::anchor();
+        if (skip('['))
+            return patternmachine::characterClass(lengthOfClass());
+        if (skip('\\'))
+            return escape();
+        if (!skip('{')) {
+            skipOne();
+            return patternmachine::place();
         }
-        if (!skip('\\')) {
-            ++m_at;
-            return place;
-        }
+        range(); // repeats nothing, but is read to its end
+        return patternmachine::nothing();
+    }
+
+    Part escape()
+    {
         if (skip('b') || skip('B'))
-            return anchor;
-        if (next().isDigit() && next() != QLatin1Char('0')) {
-            place.mayBeEmpty = true;
-            place.backReferences = 1;
-            static_cast<void>(count());
-        } else if (m_at < m_pattern.size()) {
-            ++m_at;
-        }
-        return place;
+            return patternmachine::anchor();
+        if (isAtDigit() && next() != QLatin1Char('0'))
+            return patternmachine::backReference(count());
+        skipOne();
+        return patternmachine::place();
     }
 
     /// Goes behind its end. A bracket that closes is one of its characters if it comes first, or behind "\".
-    int lengthOfClass()
+    qint64 lengthOfClass()
     {
+        constexpr int longestEscape = 9; // ranges of "\W"
         const int begin = m_at;
+        qint64 escapes = 0;
         skip('^');
         do {
-            skip('\\');
-            ++m_at;
+            escapes += skip('\\') ? 1 : 0;
+            skipOne();
         } while (m_at < m_pattern.size() && next() != QLatin1Char(']'));
-        m_at = std::min(m_at + 1, static_cast<int>(m_pattern.size()));
-        return m_at - begin;
+        skipOne();
+        return m_at - begin + longestEscape * escapes;
     }
 
     /// An atom, with the repetition that follows it.
@@ -295,59 +178,79 @@ private:
         m_group.sequence = sequenceOf(m_group.sequence, repeated);
     }
 
-    /// "{n}", "{n,}", "{,m}" or "{n,m}", written out: "x{2,4}" is "xx(x(x)?)?". What is there instead of the
-    /// closing bracket is passed over like it.
+    /// Written out: "x{2,4}" is "xx(x(x)?)?".
     Part repeatedAsCounted(const Part &atom)
     {
-        const qint64 least = count();
-        const bool isRange = skip(',');
-        const bool isOpen = isRange && !next().isDigit();
-        const qint64 most = isRange ? count() : least;
-        m_at = std::min(m_at + 1, static_cast<int>(m_pattern.size()));
-        const qint64 copies = std::max<qint64>(least, 1); // that must be there
+        const Range times = range();
+        const qint64 copies = std::max<qint64>(times.least, 1); // that must be there
         Part tail;
-        for (qint64 i = copies; i < most && tail.size <= greatestSize; ++i)
+        for (qint64 i = copies; i < times.most && tail.size <= greatestSize; ++i)
             tail = optional(sequenceOf(atom, tail));
         for (qint64 i = 1; i < copies && tail.size <= greatestSize; ++i)
             tail = sequenceOf(atom, tail);
-        const Part first = isOpen ? repeatedOften(atom) : atom;
-        return sequenceOf(least == 0 ? optional(first) : first, tail);
+        const Part first = times.isOpen ? repeatedOften(atom) : atom;
+        return sequenceOf(times.least == 0 ? optional(first) : first, tail);
     }
 
-    /// 0 if there is none.
+    /// "{n}", "{n,}", "{,m}" or "{n,m}". What is there instead of the closing bracket is passed over like it.
+    Range range()
+    {
+        const qint64 least = count();
+        const bool isRange = skip(',');
+        const bool isOpen = isRange && !isAtDigit();
+        const qint64 most = isRange ? count() : least;
+        skipOne();
+        return {least, most, isOpen};
+    }
+
+    /// 0 if there is none. More digits than anybody needs are much, too: they are read with each copy.
     qint64 count()
     {
-        qint64 value = 0;
-        for (; next() >= QLatin1Char('0') && next() <= QLatin1Char('9'); ++m_at)
-            value = counted(10 * value + next().digitValue());
-        return value;
+        constexpr int mostDigits = 9;
+        constexpr qint64 much = 999'999'999;
+        const int begin = m_at;
+        while (isAtDigit())
+            ++m_at;
+        return m_at - begin > mostDigits ? much : m_pattern.mid(begin, m_at - begin).toLongLong();
     }
 
     const QString &m_pattern;
     qint64 m_mostCost;
     int m_at = 0;
+    qint64 m_captures = 0; // copies have none
     Group m_group;
     std::vector<Group> m_outer;
 };
+
+/// The same syntax.
+QString withGroupsForLookAheads(QString pattern)
+{
+    pattern.replace(QLatin1String("(?="), QLatin1String("(?:"));
+    pattern.replace(QLatin1String("(?!"), QLatin1String("(?:"));
+    return pattern;
+}
+
+bool costsAtMost(const QString &pattern, qint64 cost)
+{
+    const QString readFirst = withGroupsForLookAheads(pattern);
+    return !Scale(pattern, cost).isTooHeavy() && !Scale(readFirst, greatestCostOfReading).isTooHeavy();
+}
 
 } // namespace
 
 bool isAffordable(const QString &pattern)
 {
-    return !Scale(pattern, greatestCost).isTooHeavy();
+    return costsAtMost(pattern, greatestCost);
 }
 
 bool isCheap(const QString &pattern)
 {
-    return !Scale(pattern, greatestCheapCost).isTooHeavy();
+    return costsAtMost(pattern, greatestCheapCost);
 }
 
 QRegExp expressionOf(const QString &pattern)
 {
-    QString withoutLookAheads = pattern;
-    withoutLookAheads.replace(QLatin1String("(?="), QLatin1String("(?:"));
-    withoutLookAheads.replace(QLatin1String("(?!"), QLatin1String("(?:"));
-    const QRegExp sameSyntax(withoutLookAheads);
+    const QRegExp sameSyntax(withGroupsForLookAheads(pattern));
     return sameSyntax.isValid() ? QRegExp(pattern) : sameSyntax;
 }
 

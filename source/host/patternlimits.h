@@ -5,10 +5,9 @@
 
 namespace Zorvan {
 
-/// Whether a regular expression may be used at all. Nested deeply, it would overflow the stack of whichever
-/// thread prints; its repetitions multiply, and a short text would keep every line waiting. The worst that
-/// may be used takes a tenth of a second for a line of a hundred characters, and grows with the square of its
-/// length.
+/// Whether a regular expression may be used at all. QRegExp multiplies repetitions: a short text may keep
+/// every line waiting, or take all memory. The worst that may be used takes some tenth of a second for a line
+/// of a hundred characters, and grows at least with the square of its length.
 [[nodiscard]] bool isAffordable(const QString &pattern);
 
 /// Whether it costs so little that it is taken from anybody: about half as much.

@@ -58,16 +58,25 @@ TEST(Internals, PatternsMayBeLongButNotMultiply)
           QStringLiteral("((a{0,9}){,12})x"), QStringLiteral("(.*){100}"),
           // empty alternatives, and any of many behind any of many
           QStringLiteral("(.|){124}z"), QStringLiteral("(") + repeated(".|", 24) + QStringLiteral("z)*"),
+          // a copy of all that was captured for each way, and a class compared on each
+          QStringLiteral("()").repeated(400) + QStringLiteral("(.|.|.|.|.|.|.|.|.|.|.|.)*z"),
+          QStringLiteral("[") + QStringLiteral("\\W").repeated(7000) + QStringLiteral("a]*z"),
           // what looks ahead does it at each step, and QRegExp copies it
           QStringLiteral("(?=.*(?=.*x))"), QStringLiteral("((?=aaaaaaaaaa)(.|.|.|.|.|.))*z"),
-          repeated("(?=x)", 14), QStringLiteral("(?=a){14}"), QStringLiteral("((?!a)(?!b)){2,7}"),
-          QStringLiteral("((?=a)[])]){14}"),
-          // QRegExp multiplies alternatives of anchors
+          repeated("(?=x)", 14), QStringLiteral("(?=a){14}"),
+          QStringLiteral(".+(?=.*x)(") + repeated("b|", 100) + QStringLiteral(")"),
+          QStringLiteral("((?!a)(?!b)){2,7}"), QStringLiteral("((?=a)[])]){14}"),
+          // QRegExp multiplies alternatives of anchors, of those in look-aheads, too
+          repeated("(?=^|$||^|$||^|$||^|$||^|$)", 13),
+          QStringLiteral(".+(?:^|$") + repeated("|", 18) + QStringLiteral(")(?=.*x)z"),
           QStringLiteral("($|^|\\b|a*){15}"), QStringLiteral("x") + repeated("(^|$)a?", 5),
+          // crashes QRegExp, which takes it for \0
+          QStringLiteral("^\\65536"),
           // read as QRegExp does: brackets within brackets, the rest of what is invalid
           repeated("([])]x", 4) + repeated("){9}", 4), repeated("(x[\\)\\]]", 4) + repeated("){9}", 4),
-          QStringLiteral("a{((a{100}){100}}"), repeated("(xxx", 3) + repeated("(?()y){20}", 3),
-          repeated("((^{10}){10}){11}", 1),
+          QStringLiteral("a{((a{100}){100}}"), QStringLiteral("((((x|{)|{)|{)|{)") + repeated("){9}", 4),
+          QStringLiteral("(x{") + repeated("0", 100) + QStringLiteral("1}){900}"),
+          repeated("(xxx", 3) + repeated("(?()y){20}", 3), repeated("((^{10}){10}){11}", 1),
           QStringLiteral("(") + repeated("|", 99) + QStringLiteral("){11}")})
         EXPECT_FALSE(isAffordable(pattern)) << pattern.left(40).toStdString();
 }

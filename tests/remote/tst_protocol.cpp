@@ -215,7 +215,7 @@ TEST_F(Protocol, ChangesOnlyTheConfigurationItNames)
 {
     execute("<config levelsfilter='KLV|x' outputfilter='y+'/>\n");
     execute("<config enabledsettings='displayTimeStamp;displayModuleName'/>\n");
-    execute("<config outputfilter='.*.*.*.*.*'/>\n"); // costs too much
+    execute("<config outputfilter='(.|){99}x'/>\n"); // costs too much
     EXPECT_EQ(filters(), (Calls{"KLV|x", "y+"}));
     EXPECT_EQ(Debug::getEnabledSettings(), QStringLiteral("displayTimeStamp,displayModuleName,"));
     execute("<config settings='' levelsFilter='' outputfilter=''/>\n");
