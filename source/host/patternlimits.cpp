@@ -12,13 +12,13 @@ namespace {
 
 using patternmachine::Part;
 
-constexpr std::size_t greatestDepth = 50;
+constexpr std::size_t greatestDepth = 50; // each takes some of the stack of the thread that sets or prints
 constexpr qint64 greatestSize = 1000;
 constexpr qint64 mostLookAheads = 13; // QRegExp takes no more in a row, and never frees the memory of those
-constexpr qint64 mostLeaves = 20;
+constexpr qint64 mostLeaves = 20; // of alternatives of conditions, which are asked one by one
 constexpr qint64 greatestCost = 250;
 constexpr qint64 greatestCheapCost = 125;
-constexpr qint64 greatestCostOfReading = 1000;
+constexpr qint64 greatestCostOfReading = 1000; // of the form without look-aheads: no line is searched with it
 
 /// Reads an expression as QRegExp does, an invalid one, too: QRegExp reads it to the end.
 class Scale

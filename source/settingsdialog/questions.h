@@ -29,6 +29,7 @@ struct Range
     int step;
 };
 
+/// As the message boxes count them.
 enum class Icon { Information = 1, Warning = 2 };
 
 /// Tells something in a message box of the library, and waits until it is closed.
